@@ -1,0 +1,34 @@
+#pragma once
+// Captures the library's log lines while it lives.
+
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace kelfont_test {
+
+struct LogLine {
+  int priority;
+  std::string tag;
+  std::string message;
+};
+
+class LogCapture {
+ public:
+  LogCapture();
+  ~LogCapture();
+  LogCapture(const LogCapture&) = delete;
+  LogCapture& operator=(const LogCapture&) = delete;
+
+  std::vector<LogLine> lines() const;
+  // Just the messages, in order.
+  std::vector<std::string> messages() const;
+  void clear();
+
+ private:
+  static void hook(int priority, const char* tag, const char* message, void* context);
+  mutable std::mutex mutex_;
+  std::vector<LogLine> lines_;
+};
+
+}  // namespace kelfont_test
