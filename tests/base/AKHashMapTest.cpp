@@ -52,12 +52,6 @@ TEST(AKHashMapConstruction, BucketCountIsTheNextPrime) {
   }
 }
 
-TEST(AKHashMapConstruction, KeepsItsSettings) {
-  Map map(200, 7, AKHashMapHashMethodDefault);
-  EXPECT_EQ(map.GetHashKeyLength(), 7u);
-  EXPECT_EQ(map.GetHashMethod(), 0);
-}
-
 TEST(AKHashMapHash, ShiftsByFiveAndAddsUnsignedBytes) {
   // ((97 * 32) + 98) * 32 + 99
   EXPECT_EQ(Map::Hash("abc", 3, 10), 102563u);

@@ -83,28 +83,6 @@ TEST(EnvironmentDefaults, GlobalInstanceIsCreatedOnceOnDemand) {
   EXPECT_EQ(&qro_base::ensureEnvironment(), &first);
 }
 
-TEST(EnvironmentSettings, PlainValuesAndLocales) {
-  Environment env;
-  env.SetOSType(3);
-  env.SetScreenResolution(320);
-  env.SetSupportBidi(true);
-  env.SetSupportRealtimeFloatingShape(true);
-  env.SetSystemLocale(Locale("ko", "KR"));
-  env.SetApplicationLocale(Locale::JAPAN);
-  Locale ui("zh", "TW");
-  env.SetUILocale(ui);
-  ui = Locale("fr", "FR");  // the environment keeps its own copy
-  EXPECT_EQ(env.GetOSType(), 3);
-  EXPECT_EQ(env.GetScreenResolution(), 320);
-  EXPECT_EQ(env.GetDefaultDPI(), 97);
-  EXPECT_TRUE(env.GetSupportBidi());
-  EXPECT_TRUE(env.IsSupportRealtimeFloatingShape());
-  EXPECT_EQ(env.GetSystemLocale().GetCountry(), "KR");
-  EXPECT_EQ(env.GetApplicationLocale().GetLanguage(), "ja");
-  EXPECT_EQ(env.GetUILocale().GetLanguage(), "zh");
-  EXPECT_EQ(env.GetUILocale().GetCountry(), "TW");
-}
-
 // Installs two objects through one setter and checks that the first is
 // destroyed on replacement, the second with the environment.
 template <typename Object, typename Get, typename Set>

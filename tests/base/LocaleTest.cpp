@@ -40,14 +40,6 @@ TEST(LocaleConstruction, Constants) {
   expectLocale(Locale::DEFAULT, "en", "US");
 }
 
-TEST(LocaleConstruction, CopyAndAssign) {
-  Locale copy(Locale::JAPAN);
-  expectLocale(copy, "ja", "JP");
-  copy = Locale::KOREAN;
-  expectLocale(copy, "ko", "KR");
-  expectLocale(Locale::JAPAN, "ja", "JP");
-}
-
 TEST(LocaleCreate, SplitsAtUnderscoreOrHyphen) {
   std::unique_ptr<Locale> locale(Locale::Create("zh_TW"));
   expectLocale(*locale, "zh", "TW");

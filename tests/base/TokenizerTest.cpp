@@ -29,12 +29,6 @@ TEST(Tokenizer, AlwaysAppendsTheRest) {
   EXPECT_EQ(split("--"), (Tokens{""}));
 }
 
-TEST(Tokenizer, AppendsToWhatIsThere) {
-  Tokens out{"x"};
-  qro_base::tokenize("a b", " ", out);
-  EXPECT_EQ(out, (Tokens{"x", "a", "b"}));
-}
-
 TEST(Tokenizer, NoSeparators) {
   EXPECT_EQ(split("ko-KR", ""), (Tokens{"ko-KR"}));
 }
