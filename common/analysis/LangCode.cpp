@@ -18,14 +18,17 @@ using qro_base::AKHashMapHashMethodDefault;
 constexpr unsigned int kTableSize = 200;
 constexpr unsigned int kHashKeyLength = 10;
 
+// The tables are filled inside their static initialisers, so the first
+// calls from several threads at once are safe.
 AKHashMap<char, unsigned short>& tagTable() {
-  static AKHashMap<char, unsigned short> table(kTableSize, kHashKeyLength,
-                                               AKHashMapHashMethodDefault);
-  if (table.GetCount() == 0) {
+  static AKHashMap<char, unsigned short>& table = *[] {
+    auto* map = new AKHashMap<char, unsigned short>(kTableSize, kHashKeyLength,
+                                                    AKHashMapHashMethodDefault);
     for (const LangTagRow& row : kLangTagRows) {
-      table.Insert(row.tag, static_cast<unsigned int>(std::strlen(row.tag)), row.id);
+      map->Insert(row.tag, static_cast<unsigned int>(std::strlen(row.tag)), row.id);
     }
-  }
+    return map;
+  }();
   return table;
 }
 
@@ -50,26 +53,26 @@ int LangCode::GetLangCode(const char* language, const char* country) {
 }
 
 const char* LangCode::GetLang(unsigned short id) {
-  static std::map<unsigned short, const char*> tags;
-  if (tags.empty()) {
-    for (const LangTagRow& row : kLangTagRows) tags.emplace(row.id, row.tag);
-  }
+  static const std::map<unsigned short, const char*> tags = [] {
+    std::map<unsigned short, const char*> map;
+    for (const LangTagRow& row : kLangTagRows) map.emplace(row.id, row.tag);
+    return map;
+  }();
   auto it = tags.find(id);
   return it != tags.end() ? it->second : "";
 }
 
 const char* LangCode::GetCountryName(const char* language) {
   // Built on first use and kept for the life of the process.
-  static AKHashMap<char, const char*>* countries = nullptr;
-  if (language == nullptr) return nullptr;
-  if (countries == nullptr) {
-    countries = new AKHashMap<char, const char*>(kTableSize, kHashKeyLength,
+  static AKHashMap<char, const char*>* const countries = [] {
+    auto* map = new AKHashMap<char, const char*>(kTableSize, kHashKeyLength,
                                                  AKHashMapHashMethodDefault);
     for (const LangCountryRow& row : kLangCountryRows) {
-      countries->Insert(row.language, static_cast<unsigned int>(std::strlen(row.language)),
-                        row.country);
+      map->Insert(row.language, static_cast<unsigned int>(std::strlen(row.language)), row.country);
     }
-  }
+    return map;
+  }();
+  if (language == nullptr) return nullptr;
   std::size_t length = std::strlen(language);
   if (length > UINT32_MAX) return nullptr;
   auto* node = countries->FindNode(language, static_cast<unsigned int>(length));
