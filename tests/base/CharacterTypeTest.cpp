@@ -244,7 +244,7 @@ TEST(CharacterTypeFlags, WhiteSpaceIsExactlyTheUnicodeSet) {
   }
 }
 
-TEST(CharacterTypeFlags, LowercaseCountMatchesTheOriginalTable) {
+TEST(CharacterTypeFlags, LowercaseFlagCountMatchesTheReference) {
   int lower = 0;
   for (unsigned cp = 0; cp < 0x10000; ++cp) {
     if (CharacterType::charTypes[cp] & CharacterType::kLowercase) ++lower;
@@ -320,7 +320,7 @@ TEST(CharacterTypeUcd, TablesAreTheUnicode40MappingsOfTheKeyRanges) {
   std::map<unsigned, unsigned> lower = expectedTable(kLowerKeys, kLowerIdentity, ucd.lower);
   EXPECT_EQ(tableOf(data::kUpperCasePairs, data::kUpperCasePairCount), upper);
   EXPECT_EQ(tableOf(data::kLowerCasePairs, data::kLowerCasePairCount), lower);
-  EXPECT_EQ(lower.size(), 685u);  // the size of the original lowercase table
+  EXPECT_EQ(lower.size(), 685u);  // the reference size of the lowercase table
 
   for (unsigned cp = 0; cp < 0x10000; ++cp) {
     auto unit = static_cast<unsigned short>(cp);
