@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdio>
+#include <cstring>
+#include <memory>
 
 namespace qro_base {
 namespace {
@@ -16,10 +19,40 @@ bool isRegularFile(const char* path) {
   return path != nullptr && stat(path, &st) == 0 && S_ISREG(st.st_mode);
 }
 
+// zziplib indexes each central directory entry in a record whose 16-bit
+// length holds about 28 bytes plus the name: a name near 64 KiB overflows it
+// and sends zziplib's directory walk out of its buffer. zziplib indexes only
+// headers that carry the central directory signature, so a file is safe for
+// it when no such signature anywhere is followed by an overlong name length.
+constexpr int kMaxNameLength = 65000;
+
+bool hasOverlongEntryName(const char* path) {
+  std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path, "rb"), &std::fclose);
+  if (!file) return false;
+  constexpr size_t kHeaderPrefix = 30;  // signature ... name length, extra length
+  std::vector<unsigned char> buffer(64 * 1024 + kHeaderPrefix);
+  size_t kept = 0;
+  for (;;) {
+    size_t got = std::fread(buffer.data() + kept, 1, buffer.size() - kept, file.get());
+    size_t length = kept + got;
+    for (size_t i = 0; i + kHeaderPrefix <= length; ++i) {
+      const unsigned char* p = buffer.data() + i;
+      if (p[0] == 'P' && p[1] == 'K' && p[2] == 1 && p[3] == 2 &&
+          (p[28] | (p[29] << 8)) > kMaxNameLength) {
+        return true;
+      }
+    }
+    if (got == 0) return false;
+    // Keep the tail that may hold the start of a header cut by the chunk end.
+    kept = std::min(length, kHeaderPrefix - 1);
+    std::memmove(buffer.data(), buffer.data() + length - kept, kept);
+  }
+}
+
 }  // namespace
 
 ZZipFile::ZZipFile(const char* path) {
-  if (!isRegularFile(path)) return;
+  if (!isRegularFile(path) || hasOverlongEntryName(path)) return;
   zzip_error_t error = ZZIP_NO_ERROR;
   dir_ = zzip_dir_open(path, &error);
 }

@@ -11,6 +11,8 @@ struct zzip_file;
 namespace qro_base {
 
 // Zip reading over zziplib; the back end of the default data package.
+// Archives holding an entry name longer than 65000 bytes are not opened:
+// zziplib cannot index such names safely.
 class ZZipFile : public ZipFileImpl {
  public:
   // Opens the archive; a missing path, a path that is not a regular file or
