@@ -24,6 +24,8 @@ bool isRegularFile(const char* path) {
 
 constexpr size_t kNameBufferSize = 256;
 constexpr int kCaseSensitive = 1;
+constexpr uLong kStored = 0;
+constexpr uLong kDeflated = Z_DEFLATED;
 
 }  // namespace
 
@@ -69,6 +71,9 @@ bool MiniZipFile::OpenEntry(const char* name) {
   if (unzGetCurrentFileInfo64(zip_, &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK) {
     return false;
   }
+  // minizip would hand out other methods' data still compressed (bzip2
+  // entries, for one, come back raw and longer than the entry).
+  if (info.compression_method != kStored && info.compression_method != kDeflated) return false;
   if (unzOpenCurrentFile(zip_) != UNZ_OK) return false;
   entryOpen_ = true;
   entryRemaining_ = info.uncompressed_size;

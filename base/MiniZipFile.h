@@ -18,7 +18,8 @@ class MiniZipFile : public ZipFileImpl {
   ~MiniZipFile() override;
 
   bool GetEntries(std::vector<ZipEntry*>& entries) override;
-  // Looks the name up case-sensitively and opens that entry.
+  // Looks the name up case-sensitively and opens that entry; only stored
+  // and deflated entries can be opened.
   bool OpenEntry(const char* name) override;
   // 0 without an archive; otherwise minizip's result: a count, or a
   // negative minizip error (also when no entry is open).

@@ -21,7 +21,8 @@ class ZZipFile : public ZipFileImpl {
   ~ZZipFile() override;
 
   bool GetEntries(std::vector<ZipEntry*>& entries) override;
-  // Opens the entry with exactly this name (case-sensitive, full path).
+  // Opens the entry with exactly this name (case-sensitive, full path);
+  // only stored and deflated entries can be opened.
   bool OpenEntry(const char* name) override;
   // 0 when no entry is open; otherwise zziplib's count, -1 on a read error
   // such as corrupt compressed data.

@@ -35,7 +35,7 @@ bool ZipEntryOutputStream::PutNextEntry(ZipEntry& entry) {
   zip_fileinfo info = {};
   filetime(name.c_str(), &info.tmz_date, &info.dosDate);
   int result = ZIP_PARAMERROR;
-  if (zip_ != nullptr && name.size() < kMaxEntryNameLength) {
+  if (zip_ != nullptr && name.size() <= kMaxEntryNameLength) {
     result = zipOpenNewFileInZip3(zip_, name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr,
                                   Z_DEFLATED, kDefaultLevel, 0, kWindowBits, kMemoryLevel,
                                   kDefaultStrategy, nullptr, 0);

@@ -23,7 +23,7 @@ class ZipEntryOutputStream : public OutputStream {
   // Starts an entry named entry.GetName() (its size is not used); the
   // previous entry, if still open, is ended first. On failure prints
   // "error in opening <name> in zipfile" to standard output and gives false.
-  // Names of 65535 bytes or more do not fit a zip header and fail.
+  // Names longer than 65535 bytes do not fit a zip header and fail.
   bool PutNextEntry(ZipEntry& entry);
   // Single bytes are not supported: writes nothing and gives false.
   bool Write(char c) override;

@@ -119,7 +119,7 @@ TEST_P(ZipFileBackEnd, InputsThatAreNotZipArchivesGiveNoEntries) {
   ASSERT_EQ(mkfifo(dir_.file("fifo.zip").c_str(), 0600), 0);  // would block a plain open
 
   for (const char* name :
-       {"half.zip", "text.zip", "empty.zip", "folder.zip", "fifo.zip", "missing/none.zip"}) {
+       {"half.zip", "text.zip", "empty.zip", "folder.zip", "fifo.zip", "missing/none.zip", ""}) {
     SCOPED_TRACE(name);
     qro_base::ZipFile zip(dir_.file(name).c_str(), zzip());
     EXPECT_TRUE(zip.GetEntries().empty());
@@ -130,6 +130,8 @@ TEST_P(ZipFileBackEnd, InputsThatAreNotZipArchivesGiveNoEntries) {
     EXPECT_EQ(zip.GetImpl()->ReadEntry(buffer, sizeof buffer), 0);
     EXPECT_FALSE(zip.GetImpl()->CloseEntry());
   }
+  qro_base::ZipFile noPath(nullptr, zzip());
+  EXPECT_TRUE(noPath.GetEntries().empty());
   // A damaged end record: whatever the back end makes of it, nothing breaks.
   qro_base::ZipFile zip(dir_.file("short.zip").c_str(), zzip());
   for (const qro_base::ZipEntry* entry : zip.GetEntries()) {
@@ -165,6 +167,33 @@ open(sys.argv[1], 'wb').write(data)
   EXPECT_EQ(in.Read(), -1);
   EXPECT_EQ(in.Available(), 8890u);
   in.Close();
+}
+
+TEST_P(ZipFileBackEnd, EntriesOfOtherCompressionMethodsAreListedButGiveNoBytes) {
+  static const char kProgram[] = R"(
+import sys, zipfile
+with zipfile.ZipFile(sys.argv[1], 'w') as z:
+    z.writestr('bzip2', b'abc', compress_type=zipfile.ZIP_BZIP2)
+    z.writestr('lzma', b'abc', compress_type=zipfile.ZIP_LZMA)
+    z.writestr('deflate', b'abc', compress_type=zipfile.ZIP_DEFLATED)
+)";
+  std::string path = dir_.file("methods.zip");
+  ASSERT_TRUE(kelfont_test::runPython(dir_, kProgram, {path}));
+  qro_base::ZipFile zip(path.c_str(), zzip());
+  EXPECT_EQ(kelfont_test::listing(zip), (Listing{{"bzip2", 3}, {"lzma", 3}, {"deflate", 3}}));
+  for (const char* name : {"bzip2", "lzma"}) {
+    SCOPED_TRACE(name);
+    EXPECT_FALSE(zip.GetImpl()->OpenEntry(name));
+    qro_base::ZipEntryInputStream in(zip, name);
+    ASSERT_TRUE(in.IsOpen());
+    std::vector<char> buffer(in.Available());
+    EXPECT_LE(in.Read(buffer.data(), 1000), 0);  // nothing, least of all compressed data
+    EXPECT_EQ(in.Available(), 3u);
+    EXPECT_EQ(in.Read(), -1);
+  }
+  bool ok = false;
+  EXPECT_EQ(kelfont_test::readEntry(zip, "deflate", &ok), "abc");
+  EXPECT_TRUE(ok);
 }
 
 TEST_P(ZipFileBackEnd, EntryNamesOf256BytesOrMoreAreHandledSafely) {
