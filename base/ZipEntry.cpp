@@ -1,0 +1,7 @@
+#include "base/ZipEntry.h"
+
+namespace qro_base {
+
+ZipEntry::~ZipEntry() = default;
+
+}  // namespace qro_base

@@ -1,0 +1,7 @@
+#include "base/ZipFileImpl.h"
+
+namespace qro_base {
+
+ZipFileImpl::~ZipFileImpl() = default;
+
+}  // namespace qro_base

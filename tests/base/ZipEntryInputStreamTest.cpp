@@ -1,0 +1,143 @@
+#include "base/ZipEntryInputStream.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/ZipFile.h"
+#include "tests/base/ZipTestSupport.h"
+#include "tests/support/TempDir.h"
+
+namespace {
+
+using kelfont_test::TempDir;
+
+// Every case runs once with zziplib (true) and once with minizip (false),
+// on the archive written by Python's zipfile module.
+class ZipEntryInputStreamTest : public ::testing::TestWithParam<bool> {
+ protected:
+  void SetUp() override {
+    path_ = kelfont_test::writePythonArchive(dir_);
+    ASSERT_FALSE(path_.empty());
+    zip_ = std::make_unique<qro_base::ZipFile>(path_.c_str(), GetParam());
+  }
+  TempDir dir_;
+  std::string path_;
+  std::unique_ptr<qro_base::ZipFile> zip_;
+};
+
+std::string backEndName(const ::testing::TestParamInfo<bool>& info) {
+  return info.param ? "ZZip" : "MiniZip";
+}
+
+TEST_P(ZipEntryInputStreamTest, SingleByteReadsGiveUnsignedBytesThenMinusOne) {
+  qro_base::ZipEntryInputStream in(*zip_, "Fdata/0");
+  ASSERT_TRUE(in.IsOpen());
+  EXPECT_EQ(in.Available(), 256u);
+  for (int expected = 0; expected < 256; ++expected) {
+    ASSERT_EQ(in.Read(), expected);  // 0xFF must come back as 255, not -1
+    ASSERT_EQ(in.Available(), static_cast<unsigned>(255 - expected));
+  }
+  EXPECT_EQ(in.Read(), -1);
+  char buffer[4];
+  EXPECT_EQ(in.Read(buffer, sizeof buffer), -1);
+  EXPECT_TRUE(in.Close());
+}
+
+TEST_P(ZipEntryInputStreamTest, CountsBeyondTheRemainingBytesNeverOverrunTheBuffer) {
+  for (const char* name : {"Ftable", "Fdata/0"}) {
+    SCOPED_TRACE(name);
+    qro_base::ZipEntryInputStream in(*zip_, name);
+    ASSERT_TRUE(in.IsOpen());
+    unsigned size = in.Available();
+    // Part of the entry first, then "everything" into a buffer that holds
+    // exactly the rest (heap-allocated, so the sanitizer build sees overruns).
+    std::vector<char> head(10);
+    ASSERT_EQ(in.Read(head.data(), 10), 10);
+    ASSERT_EQ(in.Available(), size - 10);
+    std::vector<char> rest(in.Available());
+    EXPECT_EQ(in.Read(rest.data(), 1u << 20), static_cast<int>(size - 10));
+    EXPECT_EQ(in.Available(), 0u);
+    EXPECT_EQ(in.Read(rest.data(), 1u << 20), -1);
+    std::string all = std::string(head.begin(), head.end()) + std::string(rest.begin(), rest.end());
+    EXPECT_EQ(all, std::string(name) == "Ftable" ? kelfont_test::deflatedText()
+                                                : kelfont_test::storedBytes());
+    EXPECT_TRUE(in.Close());
+  }
+}
+
+TEST_P(ZipEntryInputStreamTest, TheBackEndItselfStopsAtTheEndOfTheEntry) {
+  qro_base::ZipFileImpl* impl = zip_->GetImpl();
+  ASSERT_TRUE(impl->OpenEntry("Fdata/0"));
+  std::vector<char> buffer(256);
+  EXPECT_EQ(impl->ReadEntry(buffer.data(), 100000), 256);
+  EXPECT_EQ(impl->ReadEntry(buffer.data(), 100000), 0);
+  EXPECT_EQ(buffer[255], '\xFF');
+  EXPECT_TRUE(impl->CloseEntry());
+  EXPECT_FALSE(impl->CloseEntry());
+}
+
+TEST_P(ZipEntryInputStreamTest, EmptyEntryIsOpenButGivesNothingAndCloseLeavesTheBackEnd) {
+  for (const char* name : {"fc", "Fdata/"}) {
+    SCOPED_TRACE(name);
+    qro_base::ZipEntryInputStream in(*zip_, name);
+    EXPECT_TRUE(in.IsOpen());
+    EXPECT_EQ(in.Available(), 0u);
+    EXPECT_EQ(in.Read(), -1);
+    char buffer[4];
+    EXPECT_EQ(in.Read(buffer, sizeof buffer), -1);
+    EXPECT_TRUE(in.Close());
+    // The stream did not end the entry: the back end still has it open.
+    EXPECT_TRUE(zip_->GetImpl()->CloseEntry());
+  }
+  // A non-empty entry is ended by Close().
+  qro_base::ZipEntryInputStream in(*zip_, "Fdata/0");
+  ASSERT_TRUE(in.IsOpen());
+  EXPECT_TRUE(in.Close());
+  EXPECT_FALSE(zip_->GetImpl()->CloseEntry());
+}
+
+TEST_P(ZipEntryInputStreamTest, ClosedOrMissingStreamsGiveNothing) {
+  qro_base::ZipEntryInputStream missing(*zip_, "Fdata/1");
+  EXPECT_FALSE(missing.IsOpen());
+  EXPECT_EQ(missing.Available(), 0u);
+  EXPECT_EQ(missing.Read(), -1);
+  EXPECT_FALSE(missing.Close());
+
+  qro_base::ZipEntryInputStream in(*zip_, "Ftable");
+  ASSERT_TRUE(in.IsOpen());
+  EXPECT_EQ(in.Read(), 'l');
+  EXPECT_TRUE(in.Close());
+  EXPECT_FALSE(in.IsOpen());
+  EXPECT_EQ(in.Available(), 0u);
+  EXPECT_EQ(in.Read(), -1);
+  EXPECT_FALSE(in.Close());
+}
+
+TEST_P(ZipEntryInputStreamTest, SkipIsNotSupported) {
+  qro_base::ZipEntryInputStream in(*zip_, "Fdata/0");
+  ASSERT_TRUE(in.IsOpen());
+  EXPECT_FALSE(in.Skip(10));
+  EXPECT_EQ(in.Available(), 256u);
+  EXPECT_EQ(in.Read(), 0);
+  in.Close();
+}
+
+TEST_P(ZipEntryInputStreamTest, EntriesAreReadOneAfterAnother) {
+  // The extraction pattern: one stream after the other on one open archive.
+  for (int round = 0; round < 3; ++round) {
+    SCOPED_TRACE(round);
+    for (const char* name : {"Ftable", "fc", "Fdata/0"}) {
+      bool ok = false;
+      std::string bytes = kelfont_test::readEntry(*zip_, name, &ok);
+      EXPECT_TRUE(ok) << name;
+      EXPECT_EQ(bytes.size(), static_cast<size_t>(zip_->GetEntry(name)->GetSize())) << name;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(BackEnds, ZipEntryInputStreamTest, ::testing::Bool(), backEndName);
+
+}  // namespace

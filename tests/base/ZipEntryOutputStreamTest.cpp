@@ -1,0 +1,223 @@
+#include "base/ZipEntryOutputStream.h"
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/ZipFile.h"
+#include "tests/base/ZipTestSupport.h"
+#include "tests/support/TempDir.h"
+
+namespace {
+
+using kelfont_test::TempDir;
+using Listing = std::vector<std::pair<std::string, int64_t>>;
+
+std::string le16(unsigned value) {
+  return {static_cast<char>(value & 0xFF), static_cast<char>((value >> 8) & 0xFF)};
+}
+
+std::string le32(unsigned long value) { return le16(value & 0xFFFF) + le16(value >> 16); }
+
+// The MS-DOS time and date fields of a zip header for a local time.
+std::string dosTimeDate(const std::tm& t) {
+  unsigned time = (t.tm_hour << 11) | (t.tm_min << 5) | (t.tm_sec / 2);
+  unsigned date = ((t.tm_year - 80) << 9) | ((t.tm_mon + 1) << 5) | t.tm_mday;
+  return le16(time) + le16(date);
+}
+
+std::tm localNow() {
+  std::time_t now = std::time(nullptr);
+  std::tm local;
+  localtime_r(&now, &local);
+  return local;
+}
+
+bool put(qro_base::ZipEntryOutputStream& out, const std::string& name, const std::string& bytes) {
+  qro_base::ZipEntry entry(name, static_cast<int64_t>(bytes.size()));
+  if (!out.PutNextEntry(entry)) return false;
+  if (!bytes.empty() && !out.Write(bytes.data(), static_cast<unsigned>(bytes.size()))) {
+    return false;
+  }
+  return out.CloseEntry();
+}
+
+TEST(ZipEntryOutputStream, WritesTheExpectedBytesOnDisk) {
+  TempDir dir;
+  std::string path = dir.file("hello.zip");
+  std::tm before = localNow();
+  {
+    qro_base::ZipEntryOutputStream out(path.c_str());
+    ASSERT_TRUE(out.IsOpen());
+    ASSERT_TRUE(put(out, "hello.txt", "hello"));
+    EXPECT_TRUE(out.Close());
+  }
+  std::tm after = localNow();
+  std::string bytes = kelfont_test::readFile(path);
+  ASSERT_EQ(bytes.size(), 123u);
+
+  const std::string name = "hello.txt";
+  const std::string deflated("\xCB\x48\xCD\xC9\xC9\x07\x00", 7);  // raw deflate of "hello"
+  const std::string crc = le32(0x3610A686);                        // CRC-32 of "hello"
+  std::string stamp = bytes.substr(10, 4);
+  EXPECT_TRUE(stamp == dosTimeDate(before) || stamp == dosTimeDate(after));
+  std::string local = "PK\x03\x04" + le16(20) + le16(0) + le16(8) + stamp + crc + le32(7) +
+                      le32(5) + le16(9) + le16(0) + name + deflated;
+  std::string central = "PK\x01\x02" + le16(0) + le16(20) + le16(0) + le16(8) + stamp + crc +
+                        le32(7) + le32(5) + le16(9) + le16(0) + le16(0) + le16(0) +
+                        le16(1) /* internal attributes: text */ + le32(0) + le32(0) + name;
+  std::string end = "PK\x05\x06" + le16(0) + le16(0) + le16(1) + le16(1) +
+                    le32(static_cast<unsigned long>(central.size())) +
+                    le32(static_cast<unsigned long>(local.size())) + le16(0);
+  EXPECT_EQ(bytes, local + central + end);
+}
+
+TEST(ZipEntryOutputStream, RoundTripsThroughBothBackEndsAndPython) {
+  TempDir dir;
+  std::string path = dir.file("round.zip");
+  std::string binary;
+  for (int i = 0; i < 4; ++i) binary += kelfont_test::storedBytes();
+  std::string text = kelfont_test::deflatedText();
+  {
+    qro_base::ZipEntryOutputStream out(path.c_str());
+    ASSERT_TRUE(out.IsOpen());
+    ASSERT_TRUE(put(out, "Fdata/", ""));
+    ASSERT_TRUE(put(out, "hello.txt", "hello"));
+    ASSERT_TRUE(put(out, "Fdata/0", binary));
+    // An entry written in pieces, and left open: the next one ends it.
+    qro_base::ZipEntry table("Ftable", 0);
+    ASSERT_TRUE(out.PutNextEntry(table));
+    ASSERT_TRUE(out.Write(text.data(), 1000));
+    ASSERT_TRUE(out.Write(text.data() + 1000, 1));
+    ASSERT_TRUE(out.Write(text.data() + 1001, static_cast<unsigned>(text.size() - 1001)));
+    ASSERT_TRUE(put(out, "Fdata/12", ""));
+    ASSERT_EQ(out.GetEntries().size(), 5u);
+    EXPECT_EQ(out.GetEntries()[3].GetName(), "Ftable");
+    EXPECT_TRUE(out.Close());
+  }
+  Listing expected = {
+      {"Fdata/", 0}, {"hello.txt", 5}, {"Fdata/0", 1024}, {"Ftable", 8890}, {"Fdata/12", 0}};
+  for (bool zzip : {true, false}) {
+    SCOPED_TRACE(zzip ? "zziplib" : "minizip");
+    qro_base::ZipFile zip(path.c_str(), zzip);
+    EXPECT_EQ(kelfont_test::listing(zip), expected);
+    bool ok = false;
+    EXPECT_EQ(kelfont_test::readEntry(zip, "hello.txt", &ok), "hello");
+    EXPECT_TRUE(ok);
+    EXPECT_EQ(kelfont_test::readEntry(zip, "Fdata/0", &ok), binary);
+    EXPECT_TRUE(ok);
+    EXPECT_EQ(kelfont_test::readEntry(zip, "Ftable", &ok), text);
+    EXPECT_TRUE(ok);
+    EXPECT_EQ(kelfont_test::readEntry(zip, "Fdata/12", &ok), "");
+    EXPECT_TRUE(ok);
+  }
+  static const char kCheck[] = R"(
+import sys, zipfile
+with zipfile.ZipFile(sys.argv[1]) as z:
+    assert z.testzip() is None
+    for i in z.infolist():
+        data = z.read(i)
+        print(i.filename, i.file_size, i.compress_type, '%08x' % i.CRC,
+              data.hex() if len(data) < 16 else len(data))
+)";
+  std::string report;
+  ASSERT_TRUE(kelfont_test::runPython(dir, kCheck, {path}, &report));
+  EXPECT_EQ(report,
+            "Fdata/ 0 8 00000000 \n"
+            "hello.txt 5 8 3610a686 68656c6c6f\n"
+            "Fdata/0 1024 8 b70b4c26 1024\n"
+            "Ftable 8890 8 66ddbfc9 8890\n"
+            "Fdata/12 0 8 00000000 \n");
+}
+
+TEST(ZipEntryOutputStream, AFailedEntryPrintsTheErrorLine) {
+  TempDir dir;
+  qro_base::ZipEntryOutputStream out(dir.file("no/such/folder/a.zip").c_str());
+  EXPECT_FALSE(out.IsOpen());
+  qro_base::ZipEntry entry("Ftable", 0);
+  testing::internal::CaptureStdout();
+  EXPECT_FALSE(out.PutNextEntry(entry));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "error in opening Ftable in zipfile\n");
+  EXPECT_FALSE(out.Write("abc", 3));
+  EXPECT_FALSE(out.CloseEntry());
+  EXPECT_FALSE(out.Close());
+}
+
+TEST(ZipEntryOutputStream, NamesTooLongForTheHeaderAreRefused) {
+  TempDir dir;
+  std::string path = dir.file("names.zip");
+  std::string tooLong(65536, 'x');
+  std::string longest(65535, 'y');
+  {
+    qro_base::ZipEntryOutputStream out(path.c_str());
+    ASSERT_TRUE(out.IsOpen());
+    qro_base::ZipEntry entry(tooLong, 0);
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(out.PutNextEntry(entry));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "error in opening " + tooLong + " in zipfile\n");
+    EXPECT_FALSE(out.Write("abc", 3));
+    ASSERT_TRUE(put(out, longest, "fits"));
+    ASSERT_TRUE(put(out, "fc", "chain"));
+    EXPECT_TRUE(out.Close());
+  }
+  static const char kCheck[] = R"(
+import sys, zipfile
+with zipfile.ZipFile(sys.argv[1]) as z:
+    assert z.testzip() is None
+    for i in z.infolist():
+        print(len(i.filename), z.read(i).decode())
+)";
+  std::string report;
+  ASSERT_TRUE(kelfont_test::runPython(dir, kCheck, {path}, &report));
+  EXPECT_EQ(report, "65535 fits\n2 chain\n");
+}
+
+TEST(ZipEntryOutputStream, WritesNeedAnOpenEntryAndBytes) {
+  TempDir dir;
+  std::string path = dir.file("w.zip");
+  qro_base::ZipEntryOutputStream out(path.c_str());
+  ASSERT_TRUE(out.IsOpen());
+  EXPECT_FALSE(out.Write("abc", 3));  // no entry yet
+  EXPECT_FALSE(out.CloseEntry());
+  qro_base::ZipEntry entry("a", 0);
+  ASSERT_TRUE(out.PutNextEntry(entry));
+  EXPECT_FALSE(out.Write('x'));
+  EXPECT_FALSE(out.Write("abc", 0));
+  EXPECT_FALSE(out.Write(nullptr, 3));
+  EXPECT_TRUE(out.Write("abc", 3));
+  EXPECT_TRUE(out.CloseEntry());
+  EXPECT_FALSE(out.Write("abc", 3));  // the entry is ended
+  EXPECT_TRUE(out.Close());
+  EXPECT_FALSE(out.IsOpen());
+  EXPECT_FALSE(out.Close());
+  testing::internal::CaptureStdout();
+  EXPECT_FALSE(out.PutNextEntry(entry));  // the archive is finished
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "error in opening a in zipfile\n");
+  qro_base::ZipFile zip(path.c_str(), false);
+  EXPECT_EQ(kelfont_test::listing(zip), (Listing{{"a", 3}}));
+}
+
+TEST(ZipEntryOutputStream, ReplacesAnExistingFileAndFinishesOnDestruction) {
+  TempDir dir;
+  std::string path = dir.file("old.zip");
+  ASSERT_TRUE(kelfont_test::writeFile(path, std::string(10000, 'z')));
+  {
+    qro_base::ZipEntryOutputStream out(path.c_str());
+    ASSERT_TRUE(out.IsOpen());
+    ASSERT_TRUE(put(out, "df", "Arial"));
+    // No Close(): the destructor writes the central directory.
+  }
+  EXPECT_LT(kelfont_test::readFile(path).size(), 200u);
+  for (bool zzip : {true, false}) {
+    qro_base::ZipFile zip(path.c_str(), zzip);
+    bool ok = false;
+    EXPECT_EQ(kelfont_test::readEntry(zip, "df", &ok), "Arial");
+    EXPECT_TRUE(ok);
+  }
+}
+
+}  // namespace

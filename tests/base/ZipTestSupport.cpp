@@ -1,0 +1,90 @@
+#include "tests/base/ZipTestSupport.h"
+
+#include <cstdio>
+#include <sys/wait.h>
+
+#include "base/ZipEntryInputStream.h"
+
+namespace kelfont_test {
+namespace {
+
+std::string quoted(const std::string& text) {
+  std::string out = "'";
+  for (char c : text) {
+    if (c == '\'') {
+      out += "'\\''";
+    } else {
+      out += c;
+    }
+  }
+  return out + "'";
+}
+
+}  // namespace
+
+bool runPython(const TempDir& dir, const std::string& program,
+               const std::vector<std::string>& args, std::string* output) {
+  std::string script = dir.file("script.py");
+  if (!writeFile(script, program)) return false;
+  std::string command = quoted(KELFONT_PYTHON) + " " + quoted(script);
+  for (const std::string& arg : args) command += " " + quoted(arg);
+  FILE* pipe = popen(command.c_str(), "r");
+  if (pipe == nullptr) return false;
+  std::string text;
+  char chunk[4096];
+  size_t got;
+  while ((got = fread(chunk, 1, sizeof chunk, pipe)) > 0) text.append(chunk, got);
+  int status = pclose(pipe);
+  if (output != nullptr) *output = text;
+  return status != -1 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+std::string storedBytes() {
+  std::string bytes;
+  for (int i = 0; i < 256; ++i) bytes += static_cast<char>(i);
+  return bytes;
+}
+
+std::string deflatedText() {
+  std::string text;
+  for (int i = 0; i < 1000; ++i) text += "line " + std::to_string(i) + "\n";
+  return text;
+}
+
+std::string writePythonArchive(const TempDir& dir) {
+  static const char kProgram[] = R"(
+import sys, zipfile
+text = ''.join('line %d\n' % i for i in range(1000)).encode()
+with zipfile.ZipFile(sys.argv[1], 'w') as z:
+    z.mkdir('Fdata')
+    z.writestr('Fdata/0', bytes(range(256)), compress_type=zipfile.ZIP_STORED)
+    z.writestr('Ftable', text, compress_type=zipfile.ZIP_DEFLATED)
+    z.writestr('fc', b'', compress_type=zipfile.ZIP_DEFLATED)
+)";
+  std::string path = dir.file("python.zip");
+  if (!runPython(dir, kProgram, {path})) return "";
+  return path;
+}
+
+std::vector<std::pair<std::string, int64_t>> listing(const qro_base::ZipFile& zip) {
+  std::vector<std::pair<std::string, int64_t>> out;
+  for (const qro_base::ZipEntry* entry : zip.GetEntries()) {
+    out.emplace_back(entry->GetName(), entry->GetSize());
+  }
+  return out;
+}
+
+std::string readEntry(qro_base::ZipFile& zip, const char* name, bool* ok) {
+  qro_base::ZipEntryInputStream in(zip, name);
+  *ok = in.IsOpen();
+  if (!in.IsOpen()) return "";
+  std::string bytes(in.Available(), '\0');
+  if (!bytes.empty()) {
+    int read = in.Read(bytes.data(), static_cast<unsigned>(bytes.size()));
+    *ok = read == static_cast<int>(bytes.size()) && in.Available() == 0;
+  }
+  in.Close();
+  return bytes;
+}
+
+}  // namespace kelfont_test
