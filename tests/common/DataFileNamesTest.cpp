@@ -1,0 +1,57 @@
+#include "common/registry/DataFileNames.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+
+namespace {
+
+using namespace qro_common;
+
+TEST(DataFileNames, FixedNames) {
+  EXPECT_STREQ(getFontInfoVersion(), "Table Version 2.054");
+  EXPECT_STREQ(getFontInfoTableName(), "Ftable");
+  EXPECT_STREQ(getFontInfoDataDirectoryName(), "Fdata/");
+  EXPECT_STREQ(getFontInfoStorageName(), "FInfo/");
+  EXPECT_STREQ(getAssetFontStorageName(), "AFonts/");
+  EXPECT_STREQ(getFontChainName(), "fc");
+  EXPECT_STREQ(getDefaultFontsName(), "df");
+  EXPECT_STREQ(getScriptDefaultFontsName(), "sf");
+  EXPECT_STREQ(getCompressedFontInfoFileName(), "qrfont.zip");
+  EXPECT_STREQ(getDefaultFontInfoFileName(), "fi");
+}
+
+TEST(DataFileNames, ByteSizeRoundsUpToWholeBytes) {
+  EXPECT_EQ(getByteSize(0, 7), 1);
+  EXPECT_EQ(getByteSize(0, 8), 2);
+  EXPECT_EQ(getByteSize(5, 5), 1);
+  EXPECT_EQ(getByteSize(0, 15), 2);
+  EXPECT_EQ(getByteSize(0, 16), 3);
+  EXPECT_EQ(getByteSize(0x20, 0x7E), 12);  // 95 values
+  EXPECT_EQ(getByteSize(0xAC00, 0xD7A3), 1397);  // 11172 values
+  EXPECT_EQ(getByteSize(-8, -1), 1);
+}
+
+TEST(DataFileNames, ByteSizeOfAnEmptyOrHugeRange) {
+  EXPECT_EQ(getByteSize(5, 4), 0);
+  EXPECT_EQ(getByteSize(10, 0), 0);
+  EXPECT_EQ(getByteSize(INT_MAX, INT_MIN), 0);
+  // 2^32 values: no overflow on the way.
+  EXPECT_EQ(getByteSize(INT_MIN, INT_MAX), 536870912);
+}
+
+TEST(DataFileNames, FontFilesByExtensionAnywhereInThePath) {
+  for (const char* path : {"/system/fonts/Roboto.ttf", "a.otf", "NotoCJK.ttc", "ARIAL.TTF",
+                           "X.OTF", "Y.TTC", "/fonts/old.ttf.bak", "dir.ttf/readme"}) {
+    std::string text = path;
+    EXPECT_TRUE(isFontFile(text)) << path;
+  }
+  for (const char* path : {"Roboto.Ttf", "a.tTF", "font.woff", "fonts.xml", "ttf", "", "a_ttf",
+                           "a.tt", "Roboto.otc"}) {
+    std::string text = path;
+    EXPECT_FALSE(isFontFile(text)) << path;
+  }
+}
+
+}  // namespace
