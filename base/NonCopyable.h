@@ -1,9 +1,8 @@
 #pragma once
+// Base of classes whose objects must not be copied or assigned.
 
 namespace qro_base {
 
-// Derive from this to forbid copying and assignment of a class that owns
-// resources through raw pointers.
 class NonCopyable {
  public:
   NonCopyable(const NonCopyable&) = delete;
