@@ -130,8 +130,8 @@ CharMetricsInfo::ReadResult CharMetricsInfo::ReadChecked(qro_base::InputStream& 
 
 bool CharMetricsInfo::Write(qro_base::OutputStream& out) const {
   for (const CharMetricsRange* range : ranges_) {
-    bool ok = range == nullptr ? qro_base::writeUInt8(out, CharMetricsRange::kEmpty)
-                               : range->Write(out);
+    bool ok =
+        range == nullptr ? qro_base::writeUInt8(out, CharMetricsRange::kEmpty) : range->Write(out);
     if (!ok) return false;
   }
   return true;

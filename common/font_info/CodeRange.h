@@ -25,8 +25,6 @@ inline bool isValidCodeRange(int first, int last) {
 // Whether characters of Unicode-range bit `usb` are kept in the tables:
 // bits 0..122 except 57 (surrogates), and 127. Bits 123..126 are reserved
 // and 255 means no bit.
-inline bool isTableUSBType(int usb) {
-  return usb >= 0 && usb != 57 && (usb <= 122 || usb == 127);
-}
+inline bool isTableUSBType(int usb) { return usb >= 0 && usb != 57 && (usb <= 122 || usb == 127); }
 
 }  // namespace qro_common

@@ -76,8 +76,8 @@ DefaultFontInfo::ReadResult DefaultFontInfo::ReadChecked(qro_base::InputStream& 
 
 bool DefaultFontInfo::Write(qro_base::OutputStream& out) const {
   for (const DefaultFontRange* range : ranges_) {
-    bool ok = range == nullptr ? qro_base::writeUInt8(out, DefaultFontRange::kEmpty)
-                               : range->Write(out);
+    bool ok =
+        range == nullptr ? qro_base::writeUInt8(out, DefaultFontRange::kEmpty) : range->Write(out);
     if (!ok) return false;
   }
   return true;

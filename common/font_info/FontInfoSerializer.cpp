@@ -161,9 +161,8 @@ void FontInfoSerializer::WriteSize4(std::string& out, unsigned value) {
 
 int FontInfoSerializer::ReadInt(const char** cursor, int length) {
   if (cursor == nullptr || *cursor == nullptr || length <= 0) return 0;
-  size_t copied = static_cast<size_t>(length) < kNumberBufferSize
-                      ? static_cast<size_t>(length)
-                      : kNumberBufferSize - 1;
+  size_t copied = static_cast<size_t>(length) < kNumberBufferSize ? static_cast<size_t>(length)
+                                                                  : kNumberBufferSize - 1;
   std::memcpy(numberBuffer_.get(), *cursor, copied);
   numberBuffer_[copied] = '\0';
   *cursor += length;
@@ -467,9 +466,9 @@ bool FontInfoSerializer::Write(FontInfo& info, std::string& out, int number) {
 
   block.clear();
   if (const Sig* sig = info.GetSig()) {
-    unsigned words[6] = {sig->GetCodePageRange(1),  sig->GetCodePageRange(2),
-                         sig->GetUnicodeRange(1),   sig->GetUnicodeRange(2),
-                         sig->GetUnicodeRange(3),   sig->GetUnicodeRange(4)};
+    unsigned words[6] = {sig->GetCodePageRange(1), sig->GetCodePageRange(2),
+                         sig->GetUnicodeRange(1),  sig->GetUnicodeRange(2),
+                         sig->GetUnicodeRange(3),  sig->GetUnicodeRange(4)};
     for (unsigned word : words) {
       text.clear();
       WriteUInt32(text, word);

@@ -115,13 +115,13 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   // Exactly 2 or 4 bytes of "%02x" / "%04x" of `value`.
   bool WriteSize2(qro_base::FileOutputStream& out, unsigned value);
   bool WriteSize4(qro_base::FileOutputStream& out, unsigned value);
-  void WriteUInt8(std::string& out, unsigned char value);     // "%d"
-  void WriteInt16(std::string& out, short value);             // "%d"
-  void WriteUInt16(std::string& out, unsigned short value);   // "%u"
-  void WriteUInt32(std::string& out, unsigned value);         // "%d" of the 32 bits
-  void WriteSize1(std::string& out, unsigned value);          // "%1x"
-  void WriteSize2(std::string& out, unsigned value);          // "%02x"
-  void WriteSize4(std::string& out, unsigned value);          // "%04x"
+  void WriteUInt8(std::string& out, unsigned char value);    // "%d"
+  void WriteInt16(std::string& out, short value);            // "%d"
+  void WriteUInt16(std::string& out, unsigned short value);  // "%u"
+  void WriteUInt32(std::string& out, unsigned value);        // "%d" of the 32 bits
+  void WriteSize1(std::string& out, unsigned value);         // "%1x"
+  void WriteSize2(std::string& out, unsigned value);         // "%02x"
+  void WriteSize4(std::string& out, unsigned value);         // "%04x"
   // Converts `length` bytes at *cursor as decimal text (leading digits, 0
   // when none; a 32-bit result, so "-2147483648" and "4294967295" give the
   // same bits back) and advances *cursor by `length`. Only the first 255

@@ -36,8 +36,7 @@ bool SingleCharMetricsRange::IsVisibleChar(unsigned int code) const {
 
 void SingleCharMetricsRange::Set(unsigned int code, CharMetrics* metrics) {
   std::less<const CharMetrics*> before;
-  bool own = metrics != nullptr && !advances_.empty() &&
-             !before(metrics, advances_.data()) &&
+  bool own = metrics != nullptr && !advances_.empty() && !before(metrics, advances_.data()) &&
              before(metrics, advances_.data() + advances_.size());
   unsigned offset = code - static_cast<unsigned>(first_);
   if (offset < advances_.size()) {

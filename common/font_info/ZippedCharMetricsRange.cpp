@@ -10,8 +10,7 @@ namespace qro_common {
 
 ZippedCharMetricsRange::ZippedCharMetricsRange() = default;
 
-ZippedCharMetricsRange::ZippedCharMetricsRange(int first, int last, CharMetrics* shared,
-                                               char* bits)
+ZippedCharMetricsRange::ZippedCharMetricsRange(int first, int last, CharMetrics* shared, char* bits)
     : first_(first), last_(last), shared_(shared), bits_(bits) {
   if (isValidCodeRange(first, last) && bits_ != nullptr) {
     size_ = static_cast<unsigned>(last - first + 1);

@@ -23,6 +23,7 @@ class StringOutput : public qro_base::OutputStream {
   bool refuse = false;
 };
 
+// A view: `s` must outlive the stream.
 qro_base::MemoryInputStream over(const std::string& s) {
   return qro_base::MemoryInputStream(s.data(), static_cast<unsigned>(s.size()));
 }
@@ -33,9 +34,10 @@ TEST(ByteOrder, PlainReadersAreLittleEndian) {
   EXPECT_EQ(qro_base::readUInt16(in), 0x1234);
   EXPECT_EQ(qro_base::readInt32(in), 0x12345678);
   // The high bit set: -2 signed (read as 32 bits from FE FF FF FF).
-  auto in2 = over(data.substr(6));
+  std::string tail = data.substr(6);
+  auto in2 = over(tail);
   EXPECT_EQ(qro_base::readUInt32(in2), 0xFFFFFFFEu);
-  auto in3 = over(data.substr(6));
+  auto in3 = over(tail);
   EXPECT_EQ(qro_base::readInt32(in3), -2);
 }
 
@@ -94,7 +96,8 @@ TEST(ByteOrder, CheckedReadersFailOnTruncation) {
   EXPECT_FALSE(qro_base::readInt32(in, s32));
   auto in2 = over(data);
   EXPECT_FALSE(qro_base::readUInt32(in2, u32));
-  auto in3 = over(data.substr(2));
+  std::string last = data.substr(2);
+  auto in3 = over(last);
   EXPECT_FALSE(qro_base::readUInt16(in3, u16));
 }
 

@@ -144,7 +144,9 @@ TEST(CharMetricsInfo, UnknownTypeByteLeavesTheSlotEmpty) {
 
 TEST(CharMetricsInfo, RoundTripOfEveryKind) {
   CharMetricsInfo info;
-  for (unsigned code = 0x20; code < 0x7F; ++code) addAdvance(info, code, static_cast<unsigned short>(code));
+  for (unsigned code = 0x20; code < 0x7F; ++code) {
+    addAdvance(info, code, static_cast<unsigned short>(code));
+  }
   addAdvance(info, 0x3041, 1000);   // bit 49, will be zipped
   addAdvance(info, 0x3093, 1000);
   addAdvance(info, 0xAC00, 920);    // bit 56, multi

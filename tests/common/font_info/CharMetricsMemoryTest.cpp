@@ -62,7 +62,8 @@ TEST(CharMetricsMemory, HangulSyllablesTakeAtMostThreeBytesEach) {
   auto* metrics = new CharMetricsInfo();
   int mapped = 0;
   for (unsigned code = 0xAC00; code <= 0xD7A3; ++code) {
-    mapped += font_info_test::addAdvance(*metrics, code, static_cast<unsigned short>(code % 7 + 900));
+    auto advance = static_cast<unsigned short>(code % 7 + 900);
+    mapped += font_info_test::addAdvance(*metrics, code, advance);
   }
   ASSERT_EQ(mapped, 11172);
   double perChar = bytesPerMappedChar(metrics, mapped);
@@ -77,7 +78,8 @@ TEST(CharMetricsMemory, CjkSizedFaceTakesAtMostThreeBytesEach) {
   int mapped = 0;
   auto add = [&](unsigned first, unsigned last) {
     for (unsigned code = first; code <= last; ++code) {
-      mapped += font_info_test::addAdvance(*metrics, code, static_cast<unsigned short>(code % 5 + 1000));
+      auto advance = static_cast<unsigned short>(code % 5 + 1000);
+      mapped += font_info_test::addAdvance(*metrics, code, advance);
     }
   };
   add(0x20, 0x7E);      // ASCII

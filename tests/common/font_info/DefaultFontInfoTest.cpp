@@ -95,7 +95,8 @@ TEST(DefaultFontInfo, RoundTrip) {
 TEST(DefaultFontInfo, ReadSkipsUnknownTypesAndIgnoresSubRangeTypes) {
   // Slot 0: type 3 (unknown here); slot 1 gets the next byte: a multi range
   // whose sub-range type byte says 9 and is read as a single range anyway.
-  std::string bytes = hex("03") + hex("02 02 01 01 09 00010000 7F010000 0100 0000 0400") + zeros(126);
+  std::string bytes =
+      hex("03") + hex("02 02 01 01 09 00010000 7F010000 0100 0000 0400") + zeros(126);
   auto in = source(bytes);
   DefaultFontInfo info;
   ASSERT_TRUE(info.Read(in));

@@ -217,7 +217,8 @@ TEST_F(FontInfoSerializerTest, TenOrMoreLocalizedNamesReadAsTheirLeadingDigits) 
   FontInfoSerializer serializer(Base());
   FontInfo info;
   info.SetFontName(new std::string("Many"));
-  const int codes[] = {0x0409, 0x0412, 0x0411, 0x0804, 0x0404, 0x0407, 0x040C, 0x0410, 0x0419, 0x0C0A};
+  const int codes[] = {0x0409, 0x0412, 0x0411, 0x0804, 0x0404,
+                       0x0407, 0x040C, 0x0410, 0x0419, 0x0C0A};
   for (int code : codes) info.AddLocalizedName(code, "n");
   std::string record;
   serializer.Write(info, record, 0);
@@ -489,7 +490,9 @@ TEST_F(FontInfoSerializerTest, DataRoundTrip) {
   info.SetInfoIndex(8);
   auto* metrics = new CharMetricsInfo();
   for (unsigned code = 0xAC00; code <= 0xD7A3; ++code) addAdvance(*metrics, code, 920);
-  for (unsigned code = 0x20; code < 0x7F; ++code) addAdvance(*metrics, code, static_cast<unsigned short>(code * 5));
+  for (unsigned code = 0x20; code < 0x7F; ++code) {
+    addAdvance(*metrics, code, static_cast<unsigned short>(code * 5));
+  }
   addAdvance(*metrics, 0x20001, 1024);
   metrics->ZipCharMetricsRanges();
   info.SetCharMetricsInfo(metrics);
@@ -516,7 +519,8 @@ TEST_F(FontInfoSerializerTest, DataRoundTrip) {
 TEST_F(FontInfoSerializerTest, EveryTruncatedDataFileIsRejected) {
   FontInfoSerializer serializer(Base());
   std::string metricsPart = hex("01 00000000 7F000000 0100 4100 0100") + zeros(3) +
-                            hex("02 03 01 02 03 801D0000 BF1D0000 01000000 00000000 0700") + zeros(123);
+                            hex("02 03 01 02 03 801D0000 BF1D0000 01000000 00000000 0700") +
+                            zeros(123);
   std::string file = metricsPart + hex("02000000 41000000 56000000 88FF 54000000 6F000000 C4FF");
   for (size_t cut = 1; cut < file.size(); ++cut) {
     ASSERT_TRUE(writeFile(Data(9), file.substr(0, cut)));
@@ -547,7 +551,7 @@ TEST_F(FontInfoSerializerTest, ZeroFilledAndHostileDataFilesAreRejected) {
       zeros(100),                                                         // too short
       hex("01 00000000 FFFFFF7F 0000") + zeros(127),                      // absurd range
       hex("01 00000000 7F000000 FFFF") + zeros(127),                      // count beyond size
-      hex("02 FF FF") + zeros(127),                                       // blocks that are not there
+      hex("02 FF FF") + zeros(127),                                       // missing blocks
       hex("03 00000000 7F000000") + zeros(4),                             // bits cut short
       zeros(128) + hex("FFFFFFFF"),                                       // absurd kerning count
   };

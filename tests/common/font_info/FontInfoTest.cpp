@@ -60,16 +60,6 @@ TEST(Sig, KeepsTheWordsInTheirOrder) {
   EXPECT_EQ(copy->GetCodePageRange(2), 6u);
 }
 
-TEST(Panose, CloneCopiesTheTenBytes) {
-  Panose panose;
-  for (int i = 0; i < Panose::kSize; ++i) panose.Set(i, static_cast<unsigned char>(10 + i));
-  panose.Set(10, 99);  // ignored
-  std::unique_ptr<Panose> copy(panose.Clone());
-  for (int i = 0; i < Panose::kSize; ++i) EXPECT_EQ(copy->Get(i), 10 + i);
-  EXPECT_EQ(copy->Get(Panose::kXHeight), 19);
-  EXPECT_EQ(copy->Get(10), 0);
-}
-
 TEST(Font, OrdersNamesAsByteStrings) {
   EXPECT_TRUE(Font("Arial") < Font("Arial Black"));
   EXPECT_FALSE(Font("Arial Black") < Font("Arial"));
@@ -122,17 +112,6 @@ TEST(FontStorage, InitReindexesAndKeepsEmptyPositions) {
   EXPECT_EQ(storage.Add(Font("C")), 3);
 }
 
-TEST(FontInfo, StartsWithItsInitialValues) {
-  FontInfo info;
-  EXPECT_FALSE(info.IsValid());
-  EXPECT_EQ(info.GetInfoIndex(), -1);
-  EXPECT_EQ(info.GetWeight(), 400);
-  EXPECT_EQ(info.GetFontName(), nullptr);
-  EXPECT_EQ(info.GetFilePath(), nullptr);
-  EXPECT_EQ(info.GetCharMetricsInfo(), nullptr);
-  EXPECT_TRUE(info.GetLocalizedNames().empty());
-}
-
 TEST(FontInfo, IsValidWithPanoseAndSignature) {
   FontInfo info;
   info.SetPanose(new Panose());
@@ -158,20 +137,6 @@ TEST(FontInfo, SettersDeleteWhatTheyReplaceButNotTheSameObject) {
     EXPECT_FALSE(secondGone);
   }
   EXPECT_TRUE(secondGone);
-}
-
-TEST(FontInfo, OwnsItsNamesAndKerning) {
-  FontInfo info;
-  const std::string* name = new std::string("Dotum");
-  info.SetFontName(name);
-  info.SetFontName(name);
-  EXPECT_EQ(*info.GetFontName(), "Dotum");
-  info.SetFontName(new std::string("Gulim"));
-  EXPECT_EQ(*info.GetFontName(), "Gulim");
-  auto* kerning = new KerningInfo();
-  info.SetKerningInfo(kerning);
-  info.SetKerningInfo(kerning);
-  EXPECT_EQ(info.GetKerningInfo()->GetCount(), 0);
 }
 
 TEST(FontInfo, UpdateCopiesTheDescriptionOnly) {
