@@ -1,0 +1,140 @@
+#include "common/font_info/CharMetricsInfo.h"
+
+#include <memory>
+#include <stdexcept>
+
+#include "base/ByteOrder.h"
+#include "common/analysis/FontUSBType.h"
+#include "common/font_info/CodeRange.h"
+#include "common/font_info/MultiCharMetricsRange.h"
+#include "common/font_info/SingleCharMetricsRange.h"
+#include "common/font_info/ZippedCharMetricsRange.h"
+
+namespace qro_common {
+
+namespace {
+
+// The zipped replacement of `range` when it is a compressible single
+// range, otherwise null.
+CharMetricsRange* zipped(CharMetricsRange* range) {
+  if (range == nullptr || range->GetType() != CharMetricsRange::kSingle) return nullptr;
+  auto* single = static_cast<SingleCharMetricsRange*>(range);
+  CharMetrics* shared = single->CheckZipCharMetrics();
+  if (shared == nullptr) return nullptr;
+  return new ZippedCharMetricsRange(single->GetFirst(), single->GetLast(), shared,
+                                    single->MakeVisibleCharInfo());
+}
+
+}  // namespace
+
+CharMetricsInfo::CharMetricsInfo() : ranges_(kUnicodeRangeSlotCount, nullptr) {}
+
+CharMetricsInfo::~CharMetricsInfo() { RemoveAll(); }
+
+CharMetricsRange* CharMetricsInfo::GetCharMetricsRange(unsigned char usb) const {
+  return ranges_.at(usb);
+}
+
+void CharMetricsInfo::SetCharMetricsRange(unsigned char usb, CharMetricsRange* range) {
+  if (usb >= ranges_.size()) {
+    delete range;
+    throw std::out_of_range("CharMetricsInfo::SetCharMetricsRange");
+  }
+  CharMetricsRange*& slot = ranges_[usb];
+  if (slot != range) delete slot;
+  slot = range;
+}
+
+CharMetricsRange* CharMetricsInfo::RangeOf(unsigned int code) const {
+  int usb = FontUSBType::GetUSBType(code);
+  return isTableUSBType(usb) ? ranges_[static_cast<size_t>(usb)] : nullptr;
+}
+
+CharMetrics* CharMetricsInfo::GetCharMetrics(unsigned int code) {
+  CharMetricsRange* range = RangeOf(code);
+  return range != nullptr ? range->Get(code) : nullptr;
+}
+
+const CharMetrics* CharMetricsInfo::GetCharMetrics(unsigned int code) const {
+  CharMetricsRange* range = RangeOf(code);
+  return range != nullptr ? range->Get(code) : nullptr;
+}
+
+bool CharMetricsInfo::IsVisibleChar(unsigned int code) const {
+  const CharMetricsRange* range = RangeOf(code);
+  return range != nullptr && range->IsVisibleChar(code);
+}
+
+void CharMetricsInfo::ZipCharMetricsRanges() {
+  for (size_t usb = 0; usb < ranges_.size(); ++usb) {
+    CharMetricsRange* range = ranges_[usb];
+    if (range == nullptr) continue;
+    if (range->GetType() == CharMetricsRange::kSingle) {
+      if (CharMetricsRange* replacement = zipped(range)) {
+        SetCharMetricsRange(static_cast<unsigned char>(usb), replacement);
+      }
+    } else if (range->GetType() == CharMetricsRange::kMulti) {
+      auto* multi = static_cast<MultiCharMetricsRange*>(range);
+      for (int block = 0; block < multi->GetCount(); ++block) {
+        if (CharMetricsRange* replacement = zipped(multi->GetCharMetricsRange(block))) {
+          multi->SetCharMetricsRange(block, replacement);
+        }
+      }
+    }
+  }
+}
+
+void CharMetricsInfo::RemoveAll() {
+  for (CharMetricsRange*& range : ranges_) {
+    delete range;
+    range = nullptr;
+  }
+}
+
+bool CharMetricsInfo::Read(qro_base::InputStream& in) {
+  return ReadChecked(in) == ReadResult::kLoaded;
+}
+
+CharMetricsInfo::ReadResult CharMetricsInfo::ReadChecked(qro_base::InputStream& in) {
+  RemoveAll();
+  bool any = false;
+  for (size_t usb = 0; usb < ranges_.size(); ++usb) {
+    unsigned char type = 0;
+    if (!qro_base::readUInt8(in, type)) {
+      RemoveAll();
+      return ReadResult::kDamaged;
+    }
+    if (type != CharMetricsRange::kEmpty) any = true;
+    std::unique_ptr<CharMetricsRange> range;
+    switch (type) {
+      case CharMetricsRange::kSingle:
+        range.reset(new SingleCharMetricsRange(-1, -1));
+        break;
+      case CharMetricsRange::kMulti:
+        range.reset(new MultiCharMetricsRange(-1));
+        break;
+      case CharMetricsRange::kZipped:
+        range.reset(new ZippedCharMetricsRange());
+        break;
+      default:  // 0, or a kind this reader does not know: the slot stays empty
+        continue;
+    }
+    if (!range->Read(in)) {
+      RemoveAll();
+      return ReadResult::kDamaged;
+    }
+    ranges_[usb] = range.release();
+  }
+  return any ? ReadResult::kLoaded : ReadResult::kEmpty;
+}
+
+bool CharMetricsInfo::Write(qro_base::OutputStream& out) const {
+  for (const CharMetricsRange* range : ranges_) {
+    bool ok =
+        range == nullptr ? qro_base::writeUInt8(out, CharMetricsRange::kEmpty) : range->Write(out);
+    if (!ok) return false;
+  }
+  return true;
+}
+
+}  // namespace qro_common

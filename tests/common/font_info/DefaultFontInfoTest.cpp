@@ -1,0 +1,148 @@
+#include "common/font_info/DefaultFontInfo.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "common/font_info/MultiDefaultFontRange.h"
+#include "common/font_info/SingleDefaultFontRange.h"
+#include "tests/common/font_info/ByteSink.h"
+#include "tests/common/font_info/TableBuilders.h"
+
+namespace {
+
+using font_info_test::addDefaultFont;
+using font_info_test::ByteSink;
+using font_info_test::hex;
+using font_info_test::source;
+using font_info_test::zeros;
+using qro_common::DefaultFontInfo;
+using qro_common::DefaultFontRange;
+using qro_common::MultiDefaultFontRange;
+using qro_common::SingleDefaultFontRange;
+
+TEST(DefaultFontInfo, EmptyGivesMinusOneEverywhere) {
+  DefaultFontInfo info;
+  for (unsigned code : {0x0u, 0x41u, 0xAC00u, 0xD800u, 0x1F600u, 0x10FFFFu, 0xFFFFFFFFu}) {
+    EXPECT_EQ(info.GetFontIndex(code), -1) << code;
+  }
+  EXPECT_THROW(info.GetDefaultFontRange(128), std::out_of_range);
+}
+
+TEST(DefaultFontInfo, TheFontAppliedLastWins) {
+  DefaultFontInfo info;
+  addDefaultFont(info, 0x41, 3);
+  addDefaultFont(info, 0x41, 7);
+  addDefaultFont(info, 0xAC00, 2);
+  addDefaultFont(info, 0x20000, 300);  // bit 59, block 5
+  EXPECT_EQ(info.GetFontIndex(0x41), 7);
+  EXPECT_EQ(info.GetFontIndex(0x42), -1);
+  EXPECT_EQ(info.GetFontIndex(0xAC00), 2);
+  EXPECT_EQ(info.GetFontIndex(0xA960), -1);  // other block of the same bit
+  EXPECT_EQ(info.GetFontIndex(0x20000), 300);
+}
+
+TEST(DefaultFontInfo, SurrogatesAndOutOfBlockCodesGiveMinusOne) {
+  DefaultFontInfo info;
+  auto* surrogates = new SingleDefaultFontRange(0xD800, 0xDFFF);
+  surrogates->Set(0xD800, 4);
+  info.SetDefaultFontRange(57, surrogates);
+  EXPECT_EQ(info.GetFontIndex(0xD800), -1);
+  // A range that does not cover the block of its slot.
+  auto* stray = new SingleDefaultFontRange(0x4E00, 0x4E10);
+  stray->Set(0x4E00, 4);
+  info.SetDefaultFontRange(0, stray);
+  EXPECT_EQ(info.GetFontIndex(0x41), -1);
+  info.SetDefaultFontRange(1, new MultiDefaultFontRange(1));
+  EXPECT_EQ(info.GetFontIndex(0xE9), -1);
+}
+
+TEST(DefaultFontInfo, GoldenBytes) {
+  DefaultFontInfo info;
+  addDefaultFont(info, 0x41, 3);
+  addDefaultFont(info, 0x1D80, 258);  // bit 4, third block
+  info.SetDefaultFontRange(2, new SingleDefaultFontRange(0x100, 0x17F));  // nothing assigned
+  ByteSink out;
+  ASSERT_TRUE(info.Write(out));
+  EXPECT_EQ(out.bytes, hex("01 00000000 7F000000 0100 4100 0300") + zeros(1) +
+                           hex("01 00010000 7F010000 0000") + zeros(1) +
+                           hex("02 03 01 02 01 801D0000 BF1D0000 0100 0000 0201") + zeros(123));
+}
+
+TEST(DefaultFontInfo, RoundTrip) {
+  DefaultFontInfo info;
+  for (unsigned code = 0x20; code < 0x7F; code += 2) addDefaultFont(info, code, 1);
+  addDefaultFont(info, 0xAC00, 5);
+  addDefaultFont(info, 0xD7B0, 6);
+  addDefaultFont(info, 0x1F0A0, 9);
+  ByteSink out;
+  ASSERT_TRUE(info.Write(out));
+  auto in = source(out.bytes);
+  DefaultFontInfo copy;
+  ASSERT_TRUE(copy.Read(in));
+  EXPECT_EQ(in.Available(), 0u);
+  for (unsigned code : {0x20u, 0x21u, 0x7Eu, 0xAC00u, 0xAC01u, 0xD7B0u, 0x1F0A0u, 0x1F0A1u}) {
+    EXPECT_EQ(copy.GetFontIndex(code), info.GetFontIndex(code)) << std::hex << code;
+  }
+  EXPECT_EQ(copy.GetFontIndex(0x20), 1);
+  EXPECT_EQ(copy.GetFontIndex(0xD7B0), 6);
+  ByteSink again;
+  ASSERT_TRUE(copy.Write(again));
+  EXPECT_EQ(again.bytes, out.bytes);
+}
+
+TEST(DefaultFontInfo, ReadSkipsUnknownTypesAndIgnoresSubRangeTypes) {
+  // Slot 0: type 3 (unknown here); slot 1 gets the next byte: a multi range
+  // whose sub-range type byte says 9 and is read as a single range anyway.
+  std::string bytes =
+      hex("03") + hex("02 02 01 01 09 00010000 7F010000 0100 0000 0400") + zeros(126);
+  auto in = source(bytes);
+  DefaultFontInfo info;
+  ASSERT_TRUE(info.Read(in));
+  EXPECT_EQ(info.GetDefaultFontRange(0), nullptr);
+  auto* multi = static_cast<MultiDefaultFontRange*>(info.GetDefaultFontRange(1));
+  ASSERT_NE(multi, nullptr);
+  ASSERT_EQ(multi->GetCount(), 2);
+  ASSERT_NE(multi->GetDefaultFontRange(1), nullptr);
+  EXPECT_EQ(multi->GetDefaultFontRange(1)->Get(0x100), 4);
+}
+
+TEST(DefaultFontInfo, AllEmptyReadsFalse) {
+  std::string bytes = zeros(128);
+  auto in = source(bytes);
+  DefaultFontInfo info;
+  EXPECT_FALSE(info.Read(in));
+  auto again = source(bytes);
+  EXPECT_EQ(info.ReadChecked(again), DefaultFontInfo::ReadResult::kEmpty);
+}
+
+TEST(DefaultFontInfo, DamageLeavesItEmpty) {
+  DefaultFontInfo info;
+  addDefaultFont(info, 0x41, 3);
+  addDefaultFont(info, 0xAC00, 5);
+  ByteSink out;
+  ASSERT_TRUE(info.Write(out));
+  for (size_t cut = 0; cut < out.bytes.size(); ++cut) {
+    std::string part = out.bytes.substr(0, cut);
+    auto in = source(part);
+    DefaultFontInfo copy;
+    ASSERT_EQ(copy.ReadChecked(in), DefaultFontInfo::ReadResult::kDamaged) << cut;
+    ASSERT_EQ(copy.GetFontIndex(0x41), -1);
+  }
+  const char* bodies[] = {
+      "01 7F000000 00000000 0000",             // first > last
+      "01 00000000 7F000000 0100 8000 0100",   // offset past the end
+      "01 00000000 7F000000 0200 0100 0100 0100 0100",  // repeated offset
+      "02 01 02 00 01 00000000 01000000 0000",  // more occupied than slots
+      "02 01 01 01 01 00000000 01000000 0000",  // slot past the end
+  };
+  for (const char* text : bodies) {
+    std::string bytes = hex(text) + zeros(127);
+    auto in = source(bytes);
+    DefaultFontInfo copy;
+    EXPECT_EQ(copy.ReadChecked(in), DefaultFontInfo::ReadResult::kDamaged) << text;
+  }
+}
+
+}  // namespace

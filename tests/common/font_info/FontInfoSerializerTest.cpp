@@ -1,0 +1,613 @@
+#include "common/font_info/FontInfoSerializer.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <utime.h>
+
+#include <ctime>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common/font_info/CharMetricsInfo.h"
+#include "common/font_info/KerningInfo.h"
+#include "tests/common/font_info/ByteSink.h"
+#include "tests/common/font_info/TableBuilders.h"
+#include "tests/support/TempDir.h"
+
+namespace {
+
+using font_info_test::addAdvance;
+using font_info_test::addDefaultFont;
+using font_info_test::hex;
+using font_info_test::zeros;
+using kelfont_test::readFile;
+using kelfont_test::TempDir;
+using kelfont_test::writeFile;
+using qro_common::CharMetricsInfo;
+using qro_common::DefaultFontInfo;
+using qro_common::FontInfo;
+using qro_common::FontInfoSerializer;
+using qro_common::KerningInfo;
+using qro_common::Panose;
+using qro_common::Sig;
+
+// The three leading sections of a table written with no directories and
+// no default font indexes.
+const std::string kHeader =
+    "0016" "13" "Table Version 2.054\n"
+    "0003" "00\n"
+    "0010" "010" "010" "010" "010" "010" "\n";
+
+// The record of fullInfo() as record 0.
+const std::string kFullRecord =
+    "0090"
+    "01" "0"                  // record number
+    "01" "1"                  // face index
+    "04" "1234"               // file size
+    "03" "Foo"
+    "0a" "Foo Family"
+    "00"                      // no style name
+    "1" "0" "1"               // persisted, vertical metrics, CJK
+    "15" "12" "211" "16" "14" "12" "12" "12" "12" "12" "14"
+    "1f" "b-2147483648" "11" "13" "10" "10" "a1073741824"
+    "11" "41000" "3800" "4-200" "290"
+    "0010" "01" "0c" "05" "en-US" "03" "Bar"
+    "000a" "/f/foo.ttf"
+    "\n";
+
+// An info with nothing but defaults, as record 1.
+const std::string kEmptyRecord =
+    "0021" "011" "010" "010" "00" "00" "00" "000" "00" "00" "00" "0000" "0000" "\n";
+
+std::unique_ptr<FontInfo> fullInfo() {
+  std::unique_ptr<FontInfo> info(new FontInfo());
+  info->SetFontName(new std::string("Foo"));
+  info->SetFamilyName(new std::string("Foo Family"));
+  info->SetAlternateName(new std::string("not stored"));
+  info->SetFaceIndex(1);
+  info->SetFileSize(1234);
+  info->SetPersisted(true);
+  info->SetCJK(true);
+  info->SetPitch(2);  // not stored
+  auto* panose = new Panose();
+  const unsigned char bytes[] = {2, 11, 6, 4, 2, 2, 2, 2, 2, 4};
+  for (int i = 0; i < Panose::kSize; ++i) panose->Set(i, bytes[i]);
+  info->SetPanose(panose);
+  info->SetSig(new Sig(3, 0, 0, 0x40000000, 0x80000000, 1));
+  info->SetFontMetrics(new qro_common::FontMetrics(800, -200, 90, 1000));
+  info->AddLocalizedName(0x0409, "Bar");
+  info->SetFilePath(new std::string("/f/foo.ttf"));
+  return info;
+}
+
+// "%x %X" in the C locale, which the tests run in.
+std::string directoryTime(time_t when) {
+  struct tm local;
+  localtime_r(&when, &local);
+  char text[64];
+  strftime(text, sizeof text, "%m/%d/%y %H:%M:%S", &local);
+  return text;
+}
+
+void setModified(const std::string& path, time_t when) {
+  struct utimbuf times = {when, when};
+  ASSERT_EQ(utime(path.c_str(), &times), 0);
+}
+
+void deleteAll(std::vector<FontInfo*>& list) {
+  for (FontInfo* info : list) delete info;
+  list.clear();
+}
+
+class FontInfoSerializerTest : public testing::Test {
+ protected:
+  std::string Base() const { return dir_.path() + "/"; }
+  std::string Table() const { return dir_.file("FInfo/Ftable"); }
+  std::string Data(int index) const { return dir_.file("FInfo/Fdata/" + std::to_string(index)); }
+
+  TempDir dir_;
+};
+
+TEST_F(FontInfoSerializerTest, CreatesItsFoldersAndFindsNoTable) {
+  FontInfoSerializer serializer(Base() + "cache/");
+  struct stat info;
+  EXPECT_EQ(stat(dir_.file("cache/FInfo/Fdata").c_str(), &info), 0);
+  EXPECT_TRUE(S_ISDIR(info.st_mode));
+  EXPECT_FALSE(serializer.IsTableExists());
+  EXPECT_FALSE(serializer.ReadHeader());
+  std::vector<FontInfo*> list;
+  EXPECT_FALSE(serializer.Read(list));
+  EXPECT_TRUE(list.empty());
+  DefaultFontInfo defaults;
+  EXPECT_FALSE(serializer.ReadDefaultFontInfo(defaults));
+}
+
+TEST_F(FontInfoSerializerTest, EmptyTableReadsNothing) {
+  FontInfoSerializer first(Base());
+  ASSERT_TRUE(writeFile(Table(), ""));
+  FontInfoSerializer serializer(Base());
+  EXPECT_TRUE(serializer.IsTableExists());
+  EXPECT_FALSE(serializer.ReadHeader());
+  std::vector<FontInfo*> list;
+  EXPECT_FALSE(serializer.Read(list));
+}
+
+TEST_F(FontInfoSerializerTest, WritesTheTableByteForByte) {
+  FontInfoSerializer serializer(Base());
+  auto full = fullInfo();
+  FontInfo empty;
+  std::vector<FontInfo*> list = {full.get(), &empty};
+  std::vector<const std::string*> directories;
+  ASSERT_TRUE(serializer.Write(list, directories));
+  EXPECT_EQ(readFile(Table()), kHeader + kFullRecord + kEmptyRecord);
+}
+
+TEST_F(FontInfoSerializerTest, ReadsEveryFieldOfAHandWrittenTable) {
+  FontInfoSerializer first(Base());
+  ASSERT_TRUE(writeFile(Table(), kHeader + kFullRecord + kEmptyRecord));
+  FontInfoSerializer serializer(Base());
+  std::vector<FontInfo*> list;
+  ASSERT_TRUE(serializer.Read(list));
+  ASSERT_EQ(list.size(), 2u);
+  const FontInfo& info = *list[0];
+  EXPECT_EQ(info.GetInfoIndex(), 0);
+  EXPECT_EQ(info.GetFaceIndex(), 1);
+  EXPECT_EQ(info.GetFileSize(), 1234);
+  EXPECT_EQ(*info.GetFontName(), "Foo");
+  EXPECT_EQ(*info.GetFamilyName(), "Foo Family");
+  EXPECT_EQ(info.GetStyleName(), nullptr);
+  EXPECT_EQ(info.GetAlternateName(), nullptr);
+  EXPECT_TRUE(info.IsPersisted());
+  EXPECT_FALSE(info.HasVerticalMetrics());
+  EXPECT_TRUE(info.IsCJK());
+  ASSERT_TRUE(info.IsValid());
+  EXPECT_EQ(info.GetPanose()->Get(Panose::kSerifStyle), 11);
+  EXPECT_EQ(info.GetPanose()->Get(Panose::kXHeight), 4);
+  EXPECT_EQ(info.GetSig()->GetCodePageRange(1), 0x80000000u);
+  EXPECT_EQ(info.GetSig()->GetCodePageRange(2), 1u);
+  EXPECT_EQ(info.GetSig()->GetUnicodeRange(1), 3u);
+  EXPECT_EQ(info.GetSig()->GetUnicodeRange(4), 0x40000000u);
+  EXPECT_TRUE(info.GetSig()->IsUnicodeRangeBitSet(126));
+  ASSERT_NE(info.GetFontMetrics(), nullptr);
+  EXPECT_EQ(info.GetFontMetrics()->GetUnitsPerEm(), 1000);
+  EXPECT_EQ(info.GetFontMetrics()->GetAscender(), 800);
+  EXPECT_EQ(info.GetFontMetrics()->GetDescender(), -200);
+  EXPECT_EQ(info.GetFontMetrics()->GetLineGap(), 90);
+  ASSERT_EQ(info.GetLocalizedNames().size(), 1u);
+  EXPECT_EQ(info.GetLocalizedNames().at(0x0409), "Bar");
+  EXPECT_EQ(*info.GetFilePath(), "/f/foo.ttf");
+
+  const FontInfo& empty = *list[1];
+  EXPECT_EQ(empty.GetInfoIndex(), 1);
+  EXPECT_EQ(empty.GetFontName(), nullptr);
+  EXPECT_FALSE(empty.IsValid());
+  EXPECT_EQ(empty.GetFontMetrics(), nullptr);
+  EXPECT_EQ(empty.GetFilePath(), nullptr);
+  ASSERT_NE(serializer.GetDefaultFontIndexes(), nullptr);
+  EXPECT_EQ(*serializer.GetDefaultFontIndexes(), std::vector<int>(5, 0));
+  deleteAll(list);
+}
+
+TEST_F(FontInfoSerializerTest, WrittenTableReadsBackTheSame) {
+  FontInfoSerializer serializer(Base());
+  auto full = fullInfo();
+  full->SetStyleName(new std::string("Bold Italic"));
+  full->SetVerticalMetrics(true);
+  full->AddLocalizedName(0x0412, "\xEB\x8F\x8B\xEC\x9B\x80");
+  full->SetFileSize(-5);
+  std::vector<FontInfo*> list = {full.get()};
+  std::vector<const std::string*> directories;
+  serializer.SetDefaultFontIndexes({3, -1, 70000, 2, 1, 99});
+  ASSERT_TRUE(serializer.Write(list, directories));
+
+  FontInfoSerializer reader(Base());
+  std::vector<FontInfo*> read;
+  ASSERT_TRUE(reader.Read(read));
+  ASSERT_EQ(read.size(), 1u);
+  EXPECT_EQ(*read[0]->GetStyleName(), "Bold Italic");
+  EXPECT_TRUE(read[0]->HasVerticalMetrics());
+  EXPECT_EQ(read[0]->GetFileSize(), -5);
+  EXPECT_EQ(read[0]->GetLocalizedNames(), full->GetLocalizedNames());
+  EXPECT_EQ(*reader.GetDefaultFontIndexes(), (std::vector<int>{3, -1, 70000, 2, 1}));
+  deleteAll(read);
+}
+
+TEST_F(FontInfoSerializerTest, TenOrMoreLocalizedNamesReadAsTheirLeadingDigits) {
+  FontInfoSerializer serializer(Base());
+  FontInfo info;
+  info.SetFontName(new std::string("Many"));
+  const int codes[] = {0x0409, 0x0412, 0x0411, 0x0804, 0x0404,
+                       0x0407, 0x040C, 0x0410, 0x0419, 0x0C0A};
+  for (int code : codes) info.AddLocalizedName(code, "n");
+  std::string record;
+  serializer.Write(info, record, 0);
+  // Ten entries of 10 bytes, the first one (lowest code, 0x0404) zh-TW.
+  EXPECT_NE(record.find("007a" "0a" "0a" "05zh-TW" "01n" "0a"), std::string::npos) << record;
+  FontInfo read;
+  ASSERT_TRUE(serializer.Read(read, record));
+  EXPECT_TRUE(read.GetLocalizedNames().empty());
+  EXPECT_EQ(*read.GetFontName(), "Many");
+}
+
+TEST_F(FontInfoSerializerTest, AnExistingLanguageKeepsItsName) {
+  FontInfoSerializer serializer(Base());
+  std::string record = "010" "010" "010" "000000" "000" "000000"
+                       "001c" "02" "0b" "05en-US" "02AA" "0b" "05en-US" "02BB"
+                       "0000\n";
+  FontInfo info;
+  ASSERT_TRUE(serializer.Read(info, record));
+  ASSERT_EQ(info.GetLocalizedNames().size(), 1u);
+  EXPECT_EQ(info.GetLocalizedNames().at(0x0409), "AA");
+}
+
+TEST_F(FontInfoSerializerTest, VersionIsComparedOverTheStoredLengthOnly) {
+  FontInfoSerializer serializer(Base());
+  std::string shorter = "12Table Version 2.05\n";
+  EXPECT_TRUE(serializer.CheckTableVersion(shorter));
+  std::string none = "00\n";
+  EXPECT_TRUE(serializer.CheckTableVersion(none));
+  std::string other = "13Table Version 2.053\n";
+  EXPECT_FALSE(serializer.CheckTableVersion(other));
+  EXPECT_FALSE(serializer.IsVersionMatched());
+  std::string longer = "14Table Version 2.054\n";
+  EXPECT_FALSE(serializer.CheckTableVersion(longer));
+  std::string cut = "13Table";
+  EXPECT_FALSE(serializer.CheckTableVersion(cut));
+  std::string tooShort = "1";
+  EXPECT_FALSE(serializer.CheckTableVersion(tooShort));
+}
+
+TEST_F(FontInfoSerializerTest, AnotherVersionYieldsNoRecords) {
+  FontInfoSerializer first(Base());
+  std::string table = kHeader + kFullRecord;
+  table[24] = '3';  // "Table Version 2.034"
+  ASSERT_TRUE(writeFile(Table(), table));
+  FontInfoSerializer serializer(Base());
+  EXPECT_FALSE(serializer.ReadHeader());
+  std::vector<FontInfo*> list;
+  EXPECT_FALSE(serializer.Read(list));
+  EXPECT_TRUE(list.empty());
+  EXPECT_FALSE(serializer.IsVersionMatched());
+}
+
+TEST_F(FontInfoSerializerTest, DirectoryTimesAndAMissingDirectory) {
+  std::string one = dir_.file("fonts1");
+  std::string missing = dir_.file("missing");
+  std::string three = dir_.file("fonts3");
+  ASSERT_EQ(mkdir(one.c_str(), 0755), 0);
+  ASSERT_EQ(mkdir(three.c_str(), 0755), 0);
+  setModified(one, 1700000000);
+  setModified(three, 1600000000);
+  std::vector<const std::string*> directories = {&one, &missing, &three};
+  std::vector<FontInfo*> list;
+  {
+    FontInfoSerializer serializer(Base());
+    ASSERT_TRUE(serializer.Write(list, directories));
+  }
+  std::string t1 = directoryTime(1700000000);
+  std::string t3 = directoryTime(1600000000);
+  ASSERT_EQ(t1.size(), 17u);
+  EXPECT_EQ(readFile(Table()),
+            kHeader.substr(0, 26) + "0029" "03" "11" + t1 + "11" + t3 + "\n" + kHeader.substr(33));
+
+  FontInfoSerializer serializer(Base());
+  ASSERT_TRUE(serializer.ReadHeader());
+  EXPECT_EQ(serializer.GetFontDirectoryTimes(), (std::vector<std::string>{t1, t3}));
+  EXPECT_TRUE(serializer.IsModified(directories));
+  std::vector<const std::string*> existing = {&one, &three};
+  EXPECT_FALSE(serializer.IsModified(existing));
+  setModified(three, 1600000060);
+  EXPECT_TRUE(serializer.IsModified(existing));
+}
+
+TEST_F(FontInfoSerializerTest, TwelveDirectoriesAreCountedInHexAndReadAsZero) {
+  std::vector<std::string> paths;
+  for (int i = 0; i < 12; ++i) {
+    paths.push_back(dir_.file("d" + std::to_string(i)));
+    ASSERT_EQ(mkdir(paths.back().c_str(), 0755), 0);
+  }
+  std::vector<const std::string*> directories;
+  for (const std::string& path : paths) directories.push_back(&path);
+  std::vector<FontInfo*> list;
+  {
+    FontInfoSerializer serializer(Base());
+    ASSERT_TRUE(serializer.Write(list, directories));
+  }
+  std::string table = readFile(Table());
+  EXPECT_EQ(table.substr(26, 6), "00e7" "0c");  // 2 + 12 * 19 + 1 bytes
+  FontInfoSerializer serializer(Base());
+  ASSERT_TRUE(serializer.ReadHeader());
+  EXPECT_TRUE(serializer.GetFontDirectoryTimes().empty());
+  EXPECT_TRUE(serializer.IsModified(directories));
+}
+
+TEST_F(FontInfoSerializerTest, NumbersAreWrittenAsTheFormatsSay) {
+  FontInfoSerializer serializer(Base());
+  std::string text;
+  serializer.WriteUInt32(text, 0x80000000u);
+  serializer.WriteSize1(text, 11);
+  serializer.WriteUInt16(text, 65535);
+  serializer.WriteInt16(text, -32768);
+  serializer.WriteUInt8(text, 255);
+  serializer.WriteSize2(text, 10);
+  serializer.WriteSize4(text, 0xABC);
+  serializer.WriteSize2(text, 300);  // too long for two digits: written wider
+  EXPECT_EQ(text, "-2147483648" "b" "65535" "-32768" "255" "0a" "0abc" "12c");
+}
+
+TEST_F(FontInfoSerializerTest, ReadIntConvertsLeadingDigitsAndStaysInItsBuffer) {
+  FontInfoSerializer serializer(Base());
+  std::string text = "-2147483648" "4294967295" "0c" "12ab" "x";
+  const char* cursor = text.c_str();
+  EXPECT_EQ(serializer.ReadInt(&cursor, 11), -2147483647 - 1);
+  EXPECT_EQ(serializer.ReadInt(&cursor, 10), -1);
+  EXPECT_EQ(serializer.ReadInt(&cursor, 2), 0);
+  EXPECT_EQ(serializer.ReadInt(&cursor, 4), 12);
+  EXPECT_EQ(serializer.ReadInt(&cursor, 1), 0);
+  EXPECT_EQ(cursor, text.c_str() + text.size());
+  // A length above the number buffer is clamped, and the cursor still moves.
+  std::string digits(400, '7');
+  cursor = digits.c_str();
+  serializer.ReadInt(&cursor, 400);
+  EXPECT_EQ(cursor, digits.c_str() + 400);
+}
+
+TEST_F(FontInfoSerializerTest, ShortOrOverlongRecordsAreRejected) {
+  FontInfoSerializer serializer(Base());
+  FontInfo info;
+  std::string tiny = "010";
+  EXPECT_FALSE(serializer.Read(info, tiny));
+  std::string record = kFullRecord.substr(4);
+  // Every cut of a record leaves a field that does not fit.
+  for (size_t cut = 4; cut + 1 < record.size(); ++cut) {
+    std::string part = record.substr(0, cut);
+    FontInfo partial;
+    EXPECT_FALSE(serializer.Read(partial, part)) << cut;
+    EXPECT_EQ(partial.GetFontName(), nullptr) << cut;
+  }
+  // A field length that runs past the end.
+  std::string longName = "010011010ffFoo";
+  EXPECT_FALSE(serializer.Read(info, longName));
+  // A block field that runs past its block.
+  std::string badPanose = "010011010000000000" "02" "9123456789" "00000000000000\n";
+  EXPECT_FALSE(serializer.Read(info, badPanose));
+  EXPECT_EQ(info.GetPanose(), nullptr);
+}
+
+TEST_F(FontInfoSerializerTest, TruncatedTablesKeepTheRecordsThatParse) {
+  FontInfoSerializer first(Base());
+  std::string table = kHeader + kFullRecord + kEmptyRecord;
+  size_t secondStart = kHeader.size() + kFullRecord.size();
+  for (size_t cut = 1; cut <= table.size(); ++cut) {
+    ASSERT_TRUE(writeFile(Table(), table.substr(0, cut)));
+    FontInfoSerializer serializer(Base());
+    std::vector<FontInfo*> list;
+    bool read = serializer.Read(list);
+    size_t expected = cut < secondStart ? 0 : cut < table.size() ? 1 : 2;
+    EXPECT_EQ(list.size(), expected) << cut;
+    EXPECT_EQ(read, expected > 0) << cut;
+    deleteAll(list);
+  }
+}
+
+TEST_F(FontInfoSerializerTest, GarbageTablesDoNotCrash) {
+  FontInfoSerializer first(Base());
+  const std::string tables[] = {
+      std::string(64, '\0'),
+      std::string(64, 'f'),
+      "0016" "ff" "Table Version 2.054\n",
+      kHeader + "ffff" + kFullRecord.substr(4),
+      kHeader + "0004" "ffff",
+  };
+  for (const std::string& table : tables) {
+    ASSERT_TRUE(writeFile(Table(), table));
+    FontInfoSerializer serializer(Base());
+    std::vector<FontInfo*> list;
+    EXPECT_FALSE(serializer.Read(list));
+    EXPECT_TRUE(list.empty());
+    serializer.ReadHeader();
+  }
+}
+
+TEST_F(FontInfoSerializerTest, DataFilePathIsTheInfoIndex) {
+  FontInfoSerializer serializer(Base());
+  FontInfo info;
+  info.SetInfoIndex(17);
+  std::string path = "prefix:";
+  serializer.MakeFontInfoDataFilePath(info, path);
+  EXPECT_EQ(path, "prefix:" + Base() + "FInfo/Fdata/17");
+  EXPECT_FALSE(serializer.IsDataFile(info));
+}
+
+TEST_F(FontInfoSerializerTest, WritesTheDataFileByteForByte) {
+  FontInfoSerializer serializer(Base());
+  FontInfo info;
+  info.SetInfoIndex(3);
+  auto* metrics = new CharMetricsInfo();
+  addAdvance(*metrics, 0x41, 1366);
+  addAdvance(*metrics, 0x20, 500);
+  info.SetCharMetricsInfo(metrics);
+  auto* kerning = new KerningInfo();
+  kerning->Register(65, 86, -120);
+  info.SetKerningInfo(kerning);
+  ASSERT_TRUE(serializer.WriteData(info));
+  EXPECT_TRUE(serializer.IsDataFile(info));
+  EXPECT_EQ(readFile(Data(3)), hex("01 00000000 7F000000 0200 2000 F401 4100 5605") + zeros(127) +
+                                   hex("01000000 41000000 56000000 88FF"));
+}
+
+TEST_F(FontInfoSerializerTest, ReadsAHandWrittenDataFile) {
+  FontInfoSerializer serializer(Base());
+  ASSERT_TRUE(writeFile(Data(4), zeros(4) + hex("02 03 01 02 01 801D0000 BF1D0000 0100 0000 0700") +
+                                     zeros(123) + hex("01000000 41000000 56000000 88FF")));
+  FontInfo info;
+  info.SetInfoIndex(4);
+  ASSERT_TRUE(serializer.ReadData(info));
+  ASSERT_NE(info.GetCharMetricsInfo(), nullptr);
+  EXPECT_EQ(info.GetCharMetricsInfo()->GetCharMetrics(0x1D80)->GetAdvance(), 7);
+  EXPECT_EQ(info.GetCharMetricsInfo()->GetCharMetrics(0x41), nullptr);
+  ASSERT_NE(info.GetKerningInfo(), nullptr);
+  EXPECT_EQ(info.GetKerningInfo()->GetDelta(65, 86), -120);
+}
+
+TEST_F(FontInfoSerializerTest, DataWithoutKerningLeavesTheKerningAlone) {
+  FontInfoSerializer serializer(Base());
+  FontInfo info;
+  info.SetInfoIndex(0);
+  auto* kerning = new KerningInfo();
+  kerning->Register(1, 2, 3);
+  info.SetKerningInfo(kerning);
+  ASSERT_TRUE(writeFile(Data(0), hex("01 00000000 7F000000 0100 4100 0100") + zeros(127)));
+  ASSERT_TRUE(serializer.ReadData(info));
+  EXPECT_EQ(info.GetKerningInfo(), kerning);
+  EXPECT_TRUE(info.GetCharMetricsInfo()->IsVisibleChar(0x41));
+}
+
+TEST_F(FontInfoSerializerTest, NoMetricsAndNoKerningMeansNoDataFile) {
+  FontInfoSerializer serializer(Base());
+  FontInfo info;
+  info.SetInfoIndex(5);
+  EXPECT_TRUE(serializer.WriteData(info));
+  EXPECT_FALSE(serializer.IsDataFile(info));
+  EXPECT_FALSE(serializer.ReadData(info));
+}
+
+TEST_F(FontInfoSerializerTest, AllEmptySlotsReadAsNoMetrics) {
+  FontInfoSerializer serializer(Base());
+  FontInfo info;
+  info.SetInfoIndex(6);
+  info.SetCharMetricsInfo(new CharMetricsInfo());
+  ASSERT_TRUE(serializer.WriteData(info));
+  EXPECT_EQ(readFile(Data(6)), zeros(128));
+  EXPECT_FALSE(serializer.ReadData(info));
+  EXPECT_EQ(info.GetCharMetricsInfo(), nullptr);
+}
+
+TEST_F(FontInfoSerializerTest, DataRoundTrip) {
+  FontInfoSerializer serializer(Base());
+  FontInfo info;
+  info.SetInfoIndex(8);
+  auto* metrics = new CharMetricsInfo();
+  for (unsigned code = 0xAC00; code <= 0xD7A3; ++code) addAdvance(*metrics, code, 920);
+  for (unsigned code = 0x20; code < 0x7F; ++code) {
+    addAdvance(*metrics, code, static_cast<unsigned short>(code * 5));
+  }
+  addAdvance(*metrics, 0x20001, 1024);
+  metrics->ZipCharMetricsRanges();
+  info.SetCharMetricsInfo(metrics);
+  auto* kerning = new KerningInfo();
+  kerning->Register(84, 111, -60);
+  kerning->Register(-1, 0x10FFFF, 32767);
+  info.SetKerningInfo(kerning);
+  ASSERT_TRUE(serializer.WriteData(info));
+
+  FontInfo read;
+  read.SetInfoIndex(8);
+  ASSERT_TRUE(serializer.ReadData(read));
+  const CharMetricsInfo& copy = *read.GetCharMetricsInfo();
+  EXPECT_EQ(copy.GetCharMetrics(0xAC00)->GetAdvance(), 920);
+  EXPECT_TRUE(copy.IsVisibleChar(0xD7A3));
+  EXPECT_FALSE(copy.IsVisibleChar(0xD7A4));
+  EXPECT_EQ(copy.GetCharMetrics(0x41)->GetAdvance(), 0x41 * 5);
+  EXPECT_EQ(copy.GetCharMetrics(0x20001)->GetAdvance(), 1024);
+  EXPECT_EQ(copy.GetCharMetrics(0x20002), nullptr);
+  EXPECT_EQ(read.GetKerningInfo()->GetDelta(84, 111), -60);
+  EXPECT_EQ(read.GetKerningInfo()->GetDelta(-1, 0x10FFFF), 32767);
+}
+
+TEST_F(FontInfoSerializerTest, EveryTruncatedDataFileIsRejected) {
+  FontInfoSerializer serializer(Base());
+  std::string metricsPart = hex("01 00000000 7F000000 0100 4100 0100") + zeros(3) +
+                            hex("02 03 01 02 03 801D0000 BF1D0000 01000000 00000000 0700") +
+                            zeros(123);
+  std::string file = metricsPart + hex("02000000 41000000 56000000 88FF 54000000 6F000000 C4FF");
+  for (size_t cut = 1; cut < file.size(); ++cut) {
+    ASSERT_TRUE(writeFile(Data(9), file.substr(0, cut)));
+    FontInfo info;
+    info.SetInfoIndex(9);
+    auto* previous = new CharMetricsInfo();
+    info.SetCharMetricsInfo(previous);
+    bool read = serializer.ReadData(info);
+    if (cut == metricsPart.size()) {
+      EXPECT_TRUE(read);  // a complete file without kerning
+      continue;
+    }
+    EXPECT_FALSE(read) << cut;
+    EXPECT_EQ(info.GetCharMetricsInfo(), previous) << cut;
+    EXPECT_EQ(info.GetKerningInfo(), nullptr) << cut;
+  }
+  ASSERT_TRUE(writeFile(Data(9), file));
+  FontInfo info;
+  info.SetInfoIndex(9);
+  ASSERT_TRUE(serializer.ReadData(info));
+  EXPECT_TRUE(info.GetCharMetricsInfo()->IsVisibleChar(0x1D80));
+  EXPECT_EQ(info.GetKerningInfo()->GetDelta(84, 111), -60);
+}
+
+TEST_F(FontInfoSerializerTest, ZeroFilledAndHostileDataFilesAreRejected) {
+  FontInfoSerializer serializer(Base());
+  const std::string files[] = {
+      zeros(100),                                                         // too short
+      hex("01 00000000 FFFFFF7F 0000") + zeros(127),                      // absurd range
+      hex("01 00000000 7F000000 FFFF") + zeros(127),                      // count beyond size
+      hex("02 FF FF") + zeros(127),                                       // missing blocks
+      hex("03 00000000 7F000000") + zeros(4),                             // bits cut short
+      zeros(128) + hex("FFFFFFFF"),                                       // absurd kerning count
+  };
+  for (const std::string& file : files) {
+    ASSERT_TRUE(writeFile(Data(2), file));
+    FontInfo info;
+    info.SetInfoIndex(2);
+    EXPECT_FALSE(serializer.ReadData(info));
+    EXPECT_EQ(info.GetCharMetricsInfo(), nullptr);
+    EXPECT_EQ(info.GetKerningInfo(), nullptr);
+  }
+}
+
+TEST_F(FontInfoSerializerTest, DefaultFontInfoFileByteForByte) {
+  FontInfoSerializer serializer(Base());
+  DefaultFontInfo defaults;
+  addDefaultFont(defaults, 0x41, 3);
+  addDefaultFont(defaults, 0xAC00, 1);
+  ASSERT_TRUE(serializer.WriteDefaultFontInfo(defaults));
+  std::string expected = hex("01 00000000 7F000000 0100 4100 0300") + zeros(55) +
+                         hex("02 03 01 01 01 00AC0000 AFD70000 0100 0000 0100") + zeros(71);
+  EXPECT_EQ(readFile(dir_.file("FInfo/fi")), expected);
+
+  DefaultFontInfo read;
+  ASSERT_TRUE(serializer.ReadDefaultFontInfo(read));
+  EXPECT_EQ(read.GetFontIndex(0x41), 3);
+  EXPECT_EQ(read.GetFontIndex(0xAC00), 1);
+  EXPECT_EQ(read.GetFontIndex(0xAC01), -1);
+
+  for (size_t cut = 1; cut < expected.size(); ++cut) {
+    ASSERT_TRUE(writeFile(dir_.file("FInfo/fi"), expected.substr(0, cut)));
+    DefaultFontInfo damaged;
+    EXPECT_FALSE(serializer.ReadDefaultFontInfo(damaged)) << cut;
+    EXPECT_EQ(damaged.GetFontIndex(0x41), -1) << cut;
+  }
+}
+
+TEST_F(FontInfoSerializerTest, UnwritableFilesFail) {
+  FontInfoSerializer serializer(Base());
+  // Folders where the files should go: no mode (and no user) can write them.
+  ASSERT_EQ(mkdir(Data(1).c_str(), 0755), 0);
+  ASSERT_EQ(mkdir(Table().c_str(), 0755), 0);
+  ASSERT_EQ(mkdir(dir_.file("FInfo/fi").c_str(), 0755), 0);
+  FontInfo info;
+  info.SetInfoIndex(1);
+  info.SetKerningInfo(new KerningInfo());
+  EXPECT_FALSE(serializer.WriteData(info));
+  std::vector<FontInfo*> list;
+  std::vector<const std::string*> directories;
+  EXPECT_FALSE(serializer.Write(list, directories));
+  DefaultFontInfo defaults;
+  EXPECT_FALSE(serializer.WriteDefaultFontInfo(defaults));
+  // Reading them fails quietly too.
+  EXPECT_FALSE(serializer.ReadData(info));
+  EXPECT_FALSE(serializer.ReadHeader());
+  EXPECT_FALSE(serializer.ReadDefaultFontInfo(defaults));
+}
+
+}  // namespace

@@ -1,0 +1,98 @@
+#include "common/font_info/KerningInfo.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/common/font_info/ByteSink.h"
+
+namespace {
+
+using font_info_test::ByteSink;
+using font_info_test::hex;
+using font_info_test::source;
+using qro_common::KerningInfo;
+using qro_common::KerningPair;
+
+TEST(KerningPair, OrdersByLeftThenRightAsSignedNumbers) {
+  EXPECT_TRUE(KerningPair(-1, 5) < KerningPair(0, 0));
+  EXPECT_TRUE(KerningPair(65, 86) < KerningPair(65, 87));
+  EXPECT_TRUE(KerningPair(65, 100) < KerningPair(66, 0));
+  // The delta takes no part.
+  EXPECT_FALSE(KerningPair(65, 86, -5) < KerningPair(65, 86, 10));
+  EXPECT_FALSE(KerningPair(65, 86, 10) < KerningPair(65, 86, -5));
+}
+
+TEST(KerningInfo, EmptyGivesZero) {
+  KerningInfo kerning;
+  EXPECT_EQ(kerning.GetDelta(65, 86), 0);
+  EXPECT_EQ(kerning.GetCount(), 0);
+}
+
+TEST(KerningInfo, FirstRegistrationWins) {
+  KerningInfo kerning;
+  EXPECT_EQ(kerning.Register(65, 86, -120), 0);
+  EXPECT_EQ(kerning.Register(84, 111, -60), 1);
+  EXPECT_EQ(kerning.Register(65, 86, -80), 0);
+  EXPECT_EQ(kerning.GetCount(), 2);
+  EXPECT_EQ(kerning.GetDelta(65, 86), -120);
+  EXPECT_EQ(kerning.GetDelta(84, 111), -60);
+  EXPECT_EQ(kerning.GetDelta(86, 65), 0);
+  KerningPair pair(84, 111, 5);
+  EXPECT_EQ(kerning.Register(pair), 1);
+}
+
+TEST(KerningInfo, WritesCountThenPairsInRegistrationOrder) {
+  KerningInfo kerning;
+  kerning.Register(86, 65, -100);
+  kerning.Register(-1, 5, 300);
+  ByteSink out;
+  ASSERT_TRUE(kerning.Write(out));
+  EXPECT_EQ(out.bytes, hex("02000000"
+                           "56000000 41000000 9CFF"
+                           "FFFFFFFF 05000000 2C01"));
+}
+
+TEST(KerningInfo, ReadDropsRepeatedPairs) {
+  std::string bytes = hex("03000000"
+                          "41000000 56000000 88FF"
+                          "41000000 56000000 B0FF"
+                          "54000000 6F000000 C4FF");
+  auto in = source(bytes);
+  KerningInfo kerning;
+  ASSERT_TRUE(kerning.Read(in));
+  EXPECT_EQ(kerning.GetCount(), 2);
+  EXPECT_EQ(kerning.GetDelta(65, 86), -120);
+  EXPECT_EQ(kerning.GetDelta(84, 111), -60);
+}
+
+TEST(KerningInfo, ZeroCountReadsEmpty) {
+  std::string bytes = hex("00000000");
+  auto in = source(bytes);
+  KerningInfo kerning;
+  EXPECT_TRUE(kerning.Read(in));
+  EXPECT_EQ(kerning.GetCount(), 0);
+}
+
+TEST(KerningInfo, RejectsTruncationAndAbsurdCounts) {
+  std::string bytes = hex("02000000 41000000 56000000 88FF 54000000 6F000000 C4FF");
+  for (size_t cut = 0; cut < bytes.size(); ++cut) {
+    std::string part = bytes.substr(0, cut);
+    auto in = source(part);
+    KerningInfo kerning;
+    EXPECT_FALSE(kerning.Read(in)) << cut;
+  }
+  std::string huge = hex("FFFFFFFF 41000000 56000000 88FF");
+  auto in = source(huge);
+  KerningInfo kerning;
+  EXPECT_FALSE(kerning.Read(in));
+}
+
+TEST(KerningInfo, WriteReportsARefusingStream) {
+  KerningInfo kerning;
+  kerning.Register(1, 2, 3);
+  ByteSink out(6);
+  EXPECT_FALSE(kerning.Write(out));
+}
+
+}  // namespace
