@@ -50,8 +50,7 @@ unsigned nonZero(FT_ULong word) {
 // The single range that holds the block of the classified code point,
 // created (with its multi range) when missing; null when the slots do not
 // fit the classification.
-SingleCharMetricsRange* blockRange(CharMetricsInfo& table,
-                                   const FontUSBType::CodePointUSBInfo& c) {
+SingleCharMetricsRange* blockRange(CharMetricsInfo& table, const FontUSBType::CodePointUSBInfo& c) {
   CharMetricsRange* range = table.GetCharMetricsRange(c.usbType);
   if (range == nullptr) {
     if (c.subRangeIndex >= 0) {
@@ -76,8 +75,7 @@ SingleCharMetricsRange* blockRange(CharMetricsInfo& table,
 }
 
 // The same for the default-font map.
-SingleDefaultFontRange* blockRange(DefaultFontInfo& table,
-                                   const FontUSBType::CodePointUSBInfo& c) {
+SingleDefaultFontRange* blockRange(DefaultFontInfo& table, const FontUSBType::CodePointUSBInfo& c) {
   DefaultFontRange* range = table.GetDefaultFontRange(c.usbType);
   if (range == nullptr) {
     if (c.subRangeIndex >= 0) {
@@ -375,9 +373,10 @@ FontMetrics* FontFileAnalyzer::MakeFontMetrics(const TT_OS2* os2) {
                          : nullptr;
   if (head != nullptr) {
     metrics->SetUnitsPerEm(head->Units_Per_EM);
-    const auto* hhea = HasTable(TTAG_hhea) ? static_cast<const TT_HoriHeader*>(
-                                                 FT_Get_Sfnt_Table(face_, FT_SFNT_HHEA))
-                                           : nullptr;
+    const auto* hhea =
+        HasTable(TTAG_hhea)
+            ? static_cast<const TT_HoriHeader*>(FT_Get_Sfnt_Table(face_, FT_SFNT_HHEA))
+            : nullptr;
     if (hhea != nullptr) {
       metrics->SetAscender(hhea->Ascender);
       metrics->SetDescender(hhea->Descender);
@@ -417,7 +416,7 @@ char* FontFileAnalyzer::ConvertU2ToUtf8(char* out, const unsigned short* in) {
 }
 
 std::size_t FontFileAnalyzer::ConvertU2ToUtf8(char* out, std::size_t outSize,
-                                             const unsigned short* in) {
+                                              const unsigned short* in) {
   if (out == nullptr || outSize == 0) return 0;
   const std::size_t room = outSize - 1;
   std::size_t written = 0;

@@ -2,7 +2,6 @@
 // without a crash (run under the sanitizer build too).
 
 #include <gtest/gtest.h>
-
 #include <sys/stat.h>
 
 #include <cstdint>
@@ -67,8 +66,9 @@ TEST_F(FontFileAnalyzerBadInputTest, MissingEmptyAndDirectoryPaths) {
 
 TEST_F(FontFileAnalyzerBadInputTest, GarbageIsRefused) {
   std::mt19937 random(20240601);
-  const std::string heads[] = {"", std::string("\0\1\0\0", 4), "OTTO", "true", "ttcf",
-                               std::string("ttcf\0\1\0\0\0\0\0\1", 12)};
+  const std::string heads[] = {"",     std::string("\0\1\0\0", 4),
+                               "OTTO", "true",
+                               "ttcf", std::string("ttcf\0\1\0\0\0\0\0\1", 12)};
   int n = 0;
   for (const std::string& head : heads) {
     for (std::size_t size : {1u, 11u, 12u, 100u, 4096u}) {

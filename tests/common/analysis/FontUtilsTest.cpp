@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+
 namespace {
 
 using qro_common::FontUtils;
@@ -48,11 +49,10 @@ TEST(FontUtils, WinLangFromMacEntries) {
     unsigned short windows;
   };
   const Entry entries[] = {
-      {0, 0x0409},   {1, 0x040C},   {11, 0x0411},  {19, 0x0404},  {23, 0x0412},
-      {29, 0x043B},  {33, 0x0804},  {42, 0x0C1A},  {50, 0x082C},  {59, 0x0463},
-      {60, 0xFFFF},  {63, 0xFFFF},  {65, 0x043B},  {89, 0x0441},  {90, 0xFFFF},
-      {127, 0xFFFF}, {128, 0x0452}, {131, 0x0476}, {132, 0xFFFF}, {143, 0x045D},
-      {145, 0x0C3C}, {146, 0x083C}, {150, 0x042C}, {151, 0xFFFF},
+      {0, 0x0409},   {1, 0x040C},   {11, 0x0411},  {19, 0x0404},  {23, 0x0412},  {29, 0x043B},
+      {33, 0x0804},  {42, 0x0C1A},  {50, 0x082C},  {59, 0x0463},  {60, 0xFFFF},  {63, 0xFFFF},
+      {65, 0x043B},  {89, 0x0441},  {90, 0xFFFF},  {127, 0xFFFF}, {128, 0x0452}, {131, 0x0476},
+      {132, 0xFFFF}, {143, 0x045D}, {145, 0x0C3C}, {146, 0x083C}, {150, 0x042C}, {151, 0xFFFF},
   };
   for (const Entry& e : entries) {
     EXPECT_EQ(FontUtils::WinLangFromMac[e.mac], e.windows) << e.mac;
