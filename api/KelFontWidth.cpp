@@ -1,5 +1,6 @@
 #include "api/KelFontWidth.h"
 
+#include <limits>
 #include <new>
 
 #include "base/FileUtils.h"
@@ -22,9 +23,9 @@ using qro_common::KerningInfo;
 namespace {
 
 // The fonts whose bold advances are corrected (UTF-8).
-const char* const kAdjustFontNames[] = {
-    "굴림",      "돋움",       "바탕",       "궁서",     "다래바탕",   "다래돋움",
-    "새굴림",    "휴먼고딕",   "휴먼모음T",  "휴먼옛체", "휴먼매직체", "한양해서"};
+const char* const kAdjustFontNames[] = {"굴림",      "돋움",     "바탕",       "궁서",
+                                        "다래바탕",  "다래돋움", "새굴림",     "휴먼고딕",
+                                        "휴먼모음T", "휴먼옛체", "휴먼매직체", "한양해서"};
 
 // Tables and serializers the facade creates live as long as the process:
 // after a later start-up the facade's caches still point into the table it
@@ -34,6 +35,21 @@ void keepForProcess(T* object) {
   static auto* kept = new std::vector<T*>();
   kept->push_back(object);
 }
+
+// One row of the bold correction: advances in (above, upTo] lose
+// `correction`. Rows are tested in this order, so the bands come before the
+// open-ended rows.
+struct BoldCorrection {
+  float above;
+  float upTo;
+  float correction;
+};
+constexpr float kAny = -std::numeric_limits<float>::infinity();
+const BoldCorrection kBoldCorrections[] = {
+    {1000, 1050, 19}, {538, 588, 10},  {588, 640, 11},  {640, 690, 12},
+    {690, 750, 13},   {750, 800, 14},  {kAny, 280, 4},  {kAny, 330, 5},
+    {kAny, 385, 6},   {kAny, 433, 7},  {kAny, 488, 8},  {kAny, 538, 9},
+    {kAny, 850, 15},  {kAny, 900, 16}, {kAny, 950, 17}, {kAny, 1000, 18}};
 
 std::string pathOrEmpty(const char* path) { return path == nullptr ? std::string() : path; }
 
@@ -97,25 +113,10 @@ int CKelFontWidth::GetFontIndex(const char* fontName) {
 
 float CKelFontWidth::AdjustAdvanceRatio(int fontIndex, float x) {
   if (adjustFontSet_.find(fontIndex) == adjustFontSet_.end()) return x;
-  float d;
-  if (x > 1000 && x <= 1050) d = 19;
-  else if (x > 538 && x <= 588) d = 10;
-  else if (x > 588 && x <= 640) d = 11;
-  else if (x > 640 && x <= 690) d = 12;
-  else if (x > 690 && x <= 750) d = 13;
-  else if (x > 750 && x <= 800) d = 14;
-  else if (x <= 280) d = 4;
-  else if (x <= 330) d = 5;
-  else if (x <= 385) d = 6;
-  else if (x <= 433) d = 7;
-  else if (x <= 488) d = 8;
-  else if (x <= 538) d = 9;
-  else if (x <= 850) d = 15;
-  else if (x <= 900) d = 16;
-  else if (x <= 950) d = 17;
-  else if (x <= 1000) d = 18;
-  else d = 20;  // above 1050: one more than the band below it
-  return x - d;
+  for (const BoldCorrection& row : kBoldCorrections) {
+    if (x > row.above && x <= row.upTo) return x - row.correction;
+  }
+  return x - 20;  // above 1050: only one more than the band below
 }
 
 FontInfo* CKelFontWidth::_GetFontInfo(int fontIndex, const bool& bold, const bool& italic) {

@@ -19,10 +19,10 @@ bool containsExtraBold(const std::string& text) {
 // Names of fonts whose characters below 256 live at U+F000 + c.
 const std::array<const char*, 16>& symbolFontNames() {
   static const std::array<const char*, 16> names = {
-      "Symbol",          "Webdings",          "Wingdings",         "Wingdings 2",
-      "Wingdings 3",     "Ilex Symbol",       "Ilex Webdings",     "Ilex Wingdings",
-      "Ilex Wingdings 2", "Ilex Wingdings 3", "Ilex Web",          "Ilex Wings",
-      "Ilex Wing2",      "Ilex Wing3",        "Bookshelf Symbol 7", "MT Extra"};
+      "Symbol",           "Webdings",         "Wingdings",          "Wingdings 2",
+      "Wingdings 3",      "Ilex Symbol",      "Ilex Webdings",      "Ilex Wingdings",
+      "Ilex Wingdings 2", "Ilex Wingdings 3", "Ilex Web",           "Ilex Wings",
+      "Ilex Wing2",       "Ilex Wing3",       "Bookshelf Symbol 7", "MT Extra"};
   return names;
 }
 

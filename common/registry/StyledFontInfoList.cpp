@@ -61,8 +61,8 @@ FontInfo* StyledFontInfoList::FindFontInfo(FontInfo& info) const {
 }
 
 void StyledFontInfoList::ConfirmDefaultFontInfo() {
-  default_ = regular_ != nullptr ? regular_
-             : bold_ != nullptr  ? bold_
+  default_ = regular_ != nullptr  ? regular_
+             : bold_ != nullptr   ? bold_
              : italic_ != nullptr ? italic_
                                   : boldItalic_;
 }

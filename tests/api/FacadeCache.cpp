@@ -40,12 +40,12 @@ Face generatedFace(const std::string& fontFile, const std::string& fontName,
 const std::vector<BoldBand>& boldBands() {
   // Both ends of every band of the correction, worked out by hand.
   static const std::vector<BoldBand> bands = {
-      {0, -4},      {280, 276},   {281, 276},   {330, 325},   {331, 325},   {385, 379},
-      {386, 379},   {433, 426},   {434, 426},   {488, 480},   {489, 480},   {538, 529},
-      {539, 529},   {588, 578},   {589, 578},   {640, 629},   {641, 629},   {690, 678},
-      {691, 678},   {750, 737},   {751, 737},   {800, 786},   {801, 786},   {850, 835},
-      {851, 835},   {900, 884},   {901, 884},   {950, 933},   {951, 933},   {1000, 982},
-      {1001, 982},  {1024, 1005}, {1050, 1031}, {1051, 1031}, {65535, 65515}};
+      {0, -4},     {280, 276},   {281, 276},   {330, 325},   {331, 325},    {385, 379},
+      {386, 379},  {433, 426},   {434, 426},   {488, 480},   {489, 480},    {538, 529},
+      {539, 529},  {588, 578},   {589, 578},   {640, 629},   {641, 629},    {690, 678},
+      {691, 678},  {750, 737},   {751, 737},   {800, 786},   {801, 786},    {850, 835},
+      {851, 835},  {900, 884},   {901, 884},   {950, 933},   {951, 933},    {1000, 982},
+      {1001, 982}, {1024, 1005}, {1050, 1031}, {1051, 1031}, {65535, 65515}};
   return bands;
 }
 
@@ -140,11 +140,13 @@ std::unique_ptr<FontInfo> makeInfo(const Face& face, int infoIndex) {
   info->SetFilePath(new std::string("/fonts/" + face.fontName + ".ttf"));
   for (const auto& entry : face.localizedNames) info->AddLocalizedName(entry.first, entry.second);
   if (face.unitsPerEm > 0) {
-    info->SetFontMetrics(new FontMetrics(800, -200, 0, static_cast<unsigned short>(face.unitsPerEm)));
+    info->SetFontMetrics(
+        new FontMetrics(800, -200, 0, static_cast<unsigned short>(face.unitsPerEm)));
   }
   if (!face.advances.empty() || face.emptyAdvanceTable) {
     auto* metrics = new CharMetricsInfo();
-    for (const auto& entry : face.advances) font_info_test::addAdvance(*metrics, entry.first, entry.second);
+    for (const auto& entry : face.advances)
+      font_info_test::addAdvance(*metrics, entry.first, entry.second);
     info->SetCharMetricsInfo(metrics);
   }
   if (!face.kerning.empty()) {
@@ -172,8 +174,8 @@ bool writeData(FontInfoSerializer& serializer, FontInfo& info, DataFile kind) {
     case DataFile::kDamaged:
       // Slot 0 holds a single range from 0x7F down to 0x20.
       return kelfont_test::writeFile(
-          path, std::string("\x01\x7F\x00\x00\x00\x20\x00\x00\x00\x00\x00", 11) +
-                    std::string(127, '\0'));
+          path,
+          std::string("\x01\x7F\x00\x00\x00\x20\x00\x00\x00\x00\x00", 11) + std::string(127, '\0'));
   }
   return false;
 }

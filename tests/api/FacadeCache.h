@@ -35,13 +35,13 @@ Face generatedFace(const std::string& fontFile, const std::string& fontName,
 
 // Font indexes of the standard cache (registration order of the names).
 enum StandardFont {
-  kBasic = 0,    // "KelTest Basic" (also "켈테스트 기본"): basic, bold, italic, bolditalic.ttf
-  kGulim,        // "Gulim" / "굴림": regular only, advances of kBoldBands
-  kDotum,        // "돋움": regular 'A' 1024, bold 'A' 1051
-  kNoMetrics,    // "KelTest NoMetrics": no metrics record, 'A' 500
-  kNoData,       // "KelTest NoData": no data file
-  kTruncated,    // "KelTest Truncated": data file cut short
-  kDamaged,      // "KelTest Damaged": damaged data file
+  kBasic = 0,  // "KelTest Basic" (also "켈테스트 기본"): basic, bold, italic, bolditalic.ttf
+  kGulim,      // "Gulim" / "굴림": regular only, advances of kBoldBands
+  kDotum,      // "돋움": regular 'A' 1024, bold 'A' 1051
+  kNoMetrics,  // "KelTest NoMetrics": no metrics record, 'A' 500
+  kNoData,     // "KelTest NoData": no data file
+  kTruncated,  // "KelTest Truncated": data file cut short
+  kDamaged,    // "KelTest Damaged": damaged data file
   kRobotoLight,  // "Roboto" with style "Light" only: the font has no face to offer
   kKerningOnly,  // "KelTest KerningOnly": kerning A-V -77, no advances
   kFirstEvict,   // "KelTest Evict 00" .. "21": 'A' 100 + i, 'B' 200 + i, 'C' 300 + i

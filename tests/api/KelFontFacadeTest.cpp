@@ -82,11 +82,10 @@ TEST_F(KelFontFacade, FindsFontsByNameAndLocalizedName) {
 
 TEST_F(KelFontFacade, AdvancesAreThoseOfTheFontFilesPerStyle) {
   // Bold italic takes the bold face.
-  const std::pair<const char*, std::pair<bool, bool>> styles[] = {
-      {"basic.ttf", {false, false}},
-      {"bold.ttf", {true, false}},
-      {"italic.ttf", {false, true}},
-      {"bold.ttf", {true, true}}};
+  const std::pair<const char*, std::pair<bool, bool>> styles[] = {{"basic.ttf", {false, false}},
+                                                                  {"bold.ttf", {true, false}},
+                                                                  {"italic.ttf", {false, true}},
+                                                                  {"bold.ttf", {true, true}}};
   for (const auto& style : styles) {
     kelfont_test::ExpectedFace face = expectedFace(style.first);
     ASSERT_GT(face.chars.size(), 90u);
@@ -176,9 +175,9 @@ TEST_F(KelFontFacade, KerningComesFromTheFaceOfTheStyle) {
   kelfont_test::ExpectedFace regular = expectedFace("basic.ttf");
   ASSERT_FALSE(regular.kerning.empty());
   for (const auto& pair : regular.kerning) {
-    EXPECT_EQ(kerning(kBasic, static_cast<int>(pair.first.first),
-                      static_cast<int>(pair.first.second)),
-              Answer(0, pair.second));
+    EXPECT_EQ(
+        kerning(kBasic, static_cast<int>(pair.first.first), static_cast<int>(pair.first.second)),
+        Answer(0, pair.second));
   }
   EXPECT_EQ(regular.kerning.count({'A', 'V'}), 1u);
   EXPECT_EQ(kerning(kBasic, 'A', 'A'), Answer(0, 0));

@@ -1,12 +1,11 @@
 // Start-up steps of the facade class, on objects of its own (the global
 // facade is left alone).
 
-#include "api/KelFontWidth.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "api/KelFontWidth.h"
 #include "common/registry/FontTable.h"
 #include "tests/api/FacadeCache.h"
 #include "tests/support/TempDir.h"

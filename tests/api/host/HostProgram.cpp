@@ -24,8 +24,8 @@ void check(bool ok, const char* what) {
 
 int main() {
   const char* tmp = getenv("TMPDIR");
-  std::string pattern = std::string(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp") +
-                        "/kelfont-host-XXXXXX";
+  std::string pattern =
+      std::string(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp") + "/kelfont-host-XXXXXX";
   if (mkdtemp(&pattern[0]) == nullptr) return 2;
   std::string base = pattern + "/";
 
@@ -42,8 +42,7 @@ int main() {
   check(GetFontCharInfo(0, 'A', bold, italic, advance) == -1 && advance == 7, "advance");
   check(GetFontEmSquareFUnit(0, bold, italic, emSquare) == -1, "em square");
   startTime = endTime = 0;
-  check(GetKerningInfo(0, bold, italic, 'A', 'V', delta) == -1 && startTime <= endTime,
-        "kerning");
+  check(GetKerningInfo(0, bold, italic, 'A', 'V', delta) == -1 && startTime <= endTime, "kerning");
   ClearKelFontCacheInfo();
   UnInitKelFont();
   check(gKelFontWidth == nullptr, "no facade after UnInitKelFont");

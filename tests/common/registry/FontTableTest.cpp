@@ -1,5 +1,3 @@
-#include "common/registry/FontTable.h"
-
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -11,6 +9,7 @@
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontInfoSerializer.h"
 #include "common/font_info/KerningInfo.h"
+#include "common/registry/FontTable.h"
 #include "common/registry/StyledFontInfoList.h"
 #include "tests/support/TempDir.h"
 

@@ -1,11 +1,10 @@
-#include "common/registry/StyledFontInfoList.h"
-
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
 
 #include "common/font_info/FontInfo.h"
+#include "common/registry/StyledFontInfoList.h"
 
 namespace {
 
@@ -90,8 +89,7 @@ TEST(StyledFontInfoList, RobotoTakesOnlyItsRegularWeightAsRegular) {
 }
 
 TEST(StyledFontInfoList, DefaultIsTheFirstFilledSlot) {
-  auto bold = face("Foo", "Bold"), italic = face("Foo", "Italic"),
-       regular = face("Foo", "Regular");
+  auto bold = face("Foo", "Bold"), italic = face("Foo", "Italic"), regular = face("Foo", "Regular");
   StyledFontInfoList list(0);
   list.ConfirmDefaultFontInfo();
   EXPECT_EQ(list.GetDefault(), nullptr);
