@@ -40,19 +40,6 @@ TEST(KelFontWidth, TableNeedsASerializerToLoadFrom) {
   EXPECT_EQ(facade.GetFontIndex("Gulim"), -1);
 }
 
-TEST(KelFontWidth, KeepsItsPathsAndAppendsFontPaths) {
-  CKelFontWidth facade;
-  facade.SetQrfontZipPath("/data/app/qrfont.zip");
-  facade.SetExtractPath("/data/data/files/");
-  facade.SetFontPath("/system/fonts/");
-  facade.SetFontPath("/sdcard/fonts/");
-  facade.SetQrfontZipPath("/other/qrfont.zip");
-  EXPECT_EQ(facade._GetProgramPath(), "/other/qrfont.zip");
-  EXPECT_EQ(facade._GetExtractPath(), "/data/data/files/");
-  EXPECT_EQ(facade._GetFontPathList(),
-            (std::vector<std::string>{"/system/fonts/", "/sdcard/fonts/"}));
-}
-
 TEST(KelFontWidth, UnknownAdjustFontNamesContributeMinusOne) {
   kelfont_test::TempDir dir;
   std::string base = dir.path() + "/";
