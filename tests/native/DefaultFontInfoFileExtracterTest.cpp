@@ -49,14 +49,14 @@ std::string le32(unsigned long v) { return le16(v & 0xFFFF) + le16((v >> 16) & 0
 // A one-entry archive, stored, whose headers claim `claimed` bytes for
 // `data` (written by hand: the library's writer cannot lie).
 std::string lyingArchive(const std::string& name, const std::string& data, unsigned long claimed) {
-  unsigned long crc = crc32(0, reinterpret_cast<const Bytef*>(data.data()),
-                            static_cast<uInt>(data.size()));
+  unsigned long crc =
+      crc32(0, reinterpret_cast<const Bytef*>(data.data()), static_cast<uInt>(data.size()));
   std::string sizes = le32(crc) + le32(claimed) + le32(claimed);
   std::string local = "PK\x03\x04" + le16(10) + le16(0) + le16(0) + le32(0) + sizes +
                       le16(static_cast<unsigned>(name.size())) + le16(0) + name + data;
-  std::string central = "PK\x01\x02" + le16(10) + le16(10) + le16(0) + le16(0) + le32(0) +
-                        sizes + le16(static_cast<unsigned>(name.size())) + le16(0) + le16(0) +
-                        le16(0) + le16(0) + le32(0) + le32(0) + name;
+  std::string central = "PK\x01\x02" + le16(10) + le16(10) + le16(0) + le16(0) + le32(0) + sizes +
+                        le16(static_cast<unsigned>(name.size())) + le16(0) + le16(0) + le16(0) +
+                        le16(0) + le32(0) + le32(0) + name;
   return local + central + "PK\x05\x06" + le16(0) + le16(0) + le16(1) + le16(1) +
          le32(central.size()) + le32(local.size()) + le16(0);
 }
