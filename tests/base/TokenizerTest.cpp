@@ -9,28 +9,25 @@ namespace {
 
 using Tokens = std::vector<std::string>;
 
-Tokens split(const std::string& text, const std::string& separators = "_-") {
-  Tokens out;
-  qro_base::tokenize(text, separators, out);
-  return out;
-}
-
-TEST(Tokenizer, DropsEmptyTokensBetweenSeparators) {
-  EXPECT_EQ(split("ko-KR"), (Tokens{"ko", "KR"}));
-  EXPECT_EQ(split("ko--KR"), (Tokens{"ko", "KR"}));
-  EXPECT_EQ(split("zh_Hant-TW"), (Tokens{"zh", "Hant", "TW"}));
-  EXPECT_EQ(split("-ko"), (Tokens{"ko"}));
-}
-
-TEST(Tokenizer, AlwaysAppendsTheRest) {
-  EXPECT_EQ(split("ko"), (Tokens{"ko"}));
-  EXPECT_EQ(split("ko-"), (Tokens{"ko", ""}));
-  EXPECT_EQ(split(""), (Tokens{""}));
-  EXPECT_EQ(split("--"), (Tokens{""}));
-}
-
-TEST(Tokenizer, NoSeparators) {
-  EXPECT_EQ(split("ko-KR", ""), (Tokens{"ko-KR"}));
+TEST(Tokenizer, DropsEmptyTokensBetweenSeparatorsButAlwaysAppendsTheRest) {
+  const struct {
+    const char* text;
+    const char* separators;
+    Tokens tokens;
+  } cases[] = {
+      {"zh_Hant-TW", "_-", {"zh", "Hant", "TW"}},
+      {"ko--KR", "_-", {"ko", "KR"}},
+      {"-ko", "_-", {"ko"}},
+      {"ko-", "_-", {"ko", ""}},
+      {"--", "_-", {""}},
+      {"", "_-", {""}},
+      {"ko-KR", "", {"ko-KR"}},
+  };
+  for (const auto& c : cases) {
+    Tokens out;
+    qro_base::tokenize(c.text, c.separators, out);
+    EXPECT_EQ(out, c.tokens) << c.text;
+  }
 }
 
 }  // namespace
