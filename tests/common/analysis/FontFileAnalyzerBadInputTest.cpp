@@ -53,26 +53,19 @@ class FontFileAnalyzerBadInputTest : public ::testing::Test {
   FontFileAnalyzer analyzer_;
 };
 
-TEST_F(FontFileAnalyzerBadInputTest, MissingEmptyAndDirectoryPaths) {
+TEST_F(FontFileAnalyzerBadInputTest, MissingEmptyDirectoryAndGarbageAreRefused) {
   EXPECT_FALSE(exercise(dir_.file("missing.ttf")));
   EXPECT_EQ(analyzer_.GetFileSize(), 0);
   EXPECT_FALSE(analyzer_.Open(nullptr, 0));
-  EXPECT_FALSE(exercise(write("empty.ttf", "")));
-  EXPECT_EQ(analyzer_.GetFileSize(), 0);
   ASSERT_EQ(mkdir(dir_.file("x.ttf").c_str(), 0700), 0);
   EXPECT_FALSE(exercise(dir_.file("x.ttf")));
-  EXPECT_EQ(analyzer_.GetFileSize(), 0);
-}
-
-TEST_F(FontFileAnalyzerBadInputTest, GarbageIsRefused) {
   std::mt19937 random(20240601);
-  const std::string heads[] = {"",     std::string("\0\1\0\0", 4),
-                               "OTTO", "true",
-                               "ttcf", std::string("ttcf\0\1\0\0\0\0\0\1", 12)};
+  const std::string heads[] = {"", std::string("\0\1\0\0", 4), "OTTO", "true", "ttcf",
+                               std::string("ttcf\0\1\0\0\0\0\0\1", 12)};
   int n = 0;
   for (const std::string& head : heads) {
-    for (std::size_t size : {1u, 11u, 12u, 100u, 4096u}) {
-      std::string bytes = head;
+    for (std::size_t size : {0u, 11u, 100u, 4096u}) {
+      std::string bytes = head.substr(0, size);
       while (bytes.size() < size) bytes += static_cast<char>(random() & 0xFF);
       const std::string name = "garbage" + std::to_string(n++) + ".ttf";
       EXPECT_FALSE(exercise(write(name, bytes))) << name;
