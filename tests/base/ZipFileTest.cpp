@@ -62,24 +62,6 @@ TEST_P(ZipFileBackEnd, ListsAndReadsAnIndependentlyWrittenArchive) {
       << lines[0].message;
 }
 
-TEST_P(ZipFileBackEnd, MissingArchiveHasNoEntriesAndStillLogsTheElapsedTime) {
-  kelfont_test::LogCapture capture;
-  {
-    qro_base::ZipFile zip(dir_.file("missing.zip").c_str(), zzip());
-    EXPECT_TRUE(zip.GetEntries().empty());
-    std::vector<qro_base::ZipEntry*> entries;
-    EXPECT_FALSE(zip.GetImpl()->GetEntries(entries));
-    qro_base::ZipEntryInputStream in(zip, "Ftable");
-    EXPECT_FALSE(in.IsOpen());
-    EXPECT_EQ(in.Available(), 0u);
-    char buffer[4];
-    EXPECT_EQ(in.Read(buffer, sizeof buffer), -1);
-  }
-  auto messages = capture.messages();
-  ASSERT_EQ(messages.size(), 1u);
-  EXPECT_EQ(messages[0].rfind("Elapsed Time of ZipFile == ", 0), 0u) << messages[0];
-}
-
 TEST_P(ZipFileBackEnd, InputsThatAreNotZipArchivesGiveNoEntries) {
   std::string path = kelfont_test::writePythonArchive(dir_);
   ASSERT_FALSE(path.empty());
@@ -93,11 +75,14 @@ TEST_P(ZipFileBackEnd, InputsThatAreNotZipArchivesGiveNoEntries) {
   ASSERT_EQ(mkdir(dir_.file("folder.zip").c_str(), 0700), 0);
   ASSERT_EQ(mkfifo(dir_.file("fifo.zip").c_str(), 0600), 0);  // would block a plain open
 
+  kelfont_test::LogCapture capture;
   for (const char* name :
        {"half.zip", "text.zip", "empty.zip", "folder.zip", "fifo.zip", "missing/none.zip", ""}) {
     SCOPED_TRACE(name);
     qro_base::ZipFile zip(dir_.file(name).c_str(), zzip());
     EXPECT_TRUE(zip.GetEntries().empty());
+    std::vector<qro_base::ZipEntry*> entries;
+    EXPECT_FALSE(zip.GetImpl()->GetEntries(entries));
     qro_base::ZipEntryInputStream in(zip, "Ftable");
     EXPECT_FALSE(in.IsOpen());
     EXPECT_FALSE(zip.GetImpl()->OpenEntry("Ftable"));
@@ -105,6 +90,8 @@ TEST_P(ZipFileBackEnd, InputsThatAreNotZipArchivesGiveNoEntries) {
     EXPECT_EQ(zip.GetImpl()->ReadEntry(buffer, sizeof buffer), 0);
     EXPECT_FALSE(zip.GetImpl()->CloseEntry());
   }
+  // Each archive, opened or not, logs its elapsed time.
+  EXPECT_EQ(capture.messages().size(), 7u);
   qro_base::ZipFile noPath(nullptr, zzip());
   EXPECT_TRUE(noPath.GetEntries().empty());
   // A damaged end record: whatever the back end makes of it, nothing breaks.
