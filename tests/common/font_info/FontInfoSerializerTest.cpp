@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 #include <utime.h>
 
-#include <cstdint>
 #include <ctime>
 #include <map>
 #include <memory>
@@ -110,24 +109,6 @@ class FontInfoSerializerTest : public testing::Test {
 
   TempDir dir_;
 };
-
-TEST_F(FontInfoSerializerTest, CreatesItsFoldersAndAMissingOrEmptyTableReadsNothing) {
-  FontInfoSerializer serializer(Base() + "cache/");
-  struct stat info;
-  EXPECT_EQ(stat(dir_.file("cache/FInfo/Fdata").c_str(), &info), 0);
-  EXPECT_TRUE(S_ISDIR(info.st_mode));
-  EXPECT_FALSE(serializer.IsTableExists());
-  std::vector<FontInfo*> list;
-  EXPECT_FALSE(serializer.Read(list));
-  DefaultFontInfo defaults;
-  EXPECT_FALSE(serializer.ReadDefaultFontInfo(defaults));
-  ASSERT_TRUE(writeFile(dir_.file("cache/FInfo/Ftable"), ""));
-  FontInfoSerializer empty(Base() + "cache/");
-  EXPECT_TRUE(empty.IsTableExists());
-  EXPECT_FALSE(empty.ReadHeader());
-  EXPECT_FALSE(empty.Read(list));
-  EXPECT_TRUE(list.empty());
-}
 
 // The table bytes of fullInfo() and an empty info. Read back and written
 // again, they give the same bytes: every stored field survives.
@@ -278,24 +259,15 @@ TEST_F(FontInfoSerializerTest, TwelveDirectoriesAreCountedInHexAndReadAsZero) {
   EXPECT_TRUE(serializer.IsModified(directories));
 }
 
-TEST_F(FontInfoSerializerTest, NumberFieldsBothWays) {
+TEST_F(FontInfoSerializerTest, NumberFieldQuirks) {
   FontInfoSerializer serializer(Base());
   std::string text;
-  serializer.WriteUInt32(text, 0x80000000u);
-  serializer.WriteUInt32(text, 0xFFFFFFFFu);
-  serializer.WriteSize1(text, 11);
-  serializer.WriteUInt16(text, 65535);
-  serializer.WriteInt16(text, -32768);
-  serializer.WriteSize2(text, 12);
-  serializer.WriteSize4(text, 0xABC);
-  serializer.WriteSize2(text, 300);  // too long for two digits: written wider
-  EXPECT_EQ(text, "-2147483648" "-1" "b" "65535" "-32768" "0c" "0abc" "12c");
-  // Reading takes the leading decimal digits and moves by the given length.
+  serializer.WriteUInt32(text, 0xFFFFFFFFu);  // the 32 bits printed signed
+  serializer.WriteSize2(text, 300);           // too long for two digits: written wider
+  EXPECT_EQ(text, "-1" "12c");
   const char* cursor = text.c_str();
-  const int lengths[][2] = {{11, INT32_MIN}, {2, -1}, {1, 0}, {5, 65535}, {6, -32768}, {2, 0}, {4, 0}};
-  for (const auto& field : lengths) EXPECT_EQ(serializer.ReadInt(&cursor, field[0]), field[1]);
-  EXPECT_EQ(serializer.ReadInt(&cursor, 3), 12);
-  EXPECT_EQ(cursor, text.c_str() + text.size());
+  EXPECT_EQ(serializer.ReadInt(&cursor, 2), -1);
+  EXPECT_EQ(serializer.ReadInt(&cursor, 3), 12);  // leading digits only
   // A length above the number buffer is clamped, and the cursor still moves.
   std::string digits(400, '7');
   cursor = digits.c_str();
@@ -365,17 +337,33 @@ TEST_F(FontInfoSerializerTest, WritesTheDataFileByteForByte) {
   EXPECT_EQ(info.GetCharMetricsInfo()->GetCharMetrics(0x20), nullptr);
 }
 
-TEST_F(FontInfoSerializerTest, NoTablesMeanNoDataFileAndEmptySlotsReadAsNoMetrics) {
-  FontInfoSerializer serializer(Base());
+// Missing or empty files read as nothing; an info without tables writes no
+// data file, and all-empty slots read as no metrics.
+TEST_F(FontInfoSerializerTest, EmptyAndMissingFiles) {
+  FontInfoSerializer serializer(Base() + "cache/");
+  struct stat status;
+  EXPECT_EQ(stat(dir_.file("cache/FInfo/Fdata").c_str(), &status), 0);  // folders created
+  EXPECT_FALSE(serializer.IsTableExists());
+  std::vector<FontInfo*> list;
+  EXPECT_FALSE(serializer.Read(list));
+  DefaultFontInfo defaults;
+  EXPECT_FALSE(serializer.ReadDefaultFontInfo(defaults));
+  ASSERT_TRUE(writeFile(dir_.file("cache/FInfo/Ftable"), ""));
+  FontInfoSerializer empty(Base() + "cache/");
+  EXPECT_TRUE(empty.IsTableExists());
+  EXPECT_FALSE(empty.ReadHeader());
+  EXPECT_FALSE(empty.Read(list));
+  EXPECT_TRUE(list.empty());
+
   FontInfo info;
   info.SetInfoIndex(5);
-  EXPECT_TRUE(serializer.WriteData(info));
-  EXPECT_FALSE(serializer.IsDataFile(info));
-  EXPECT_FALSE(serializer.ReadData(info));
+  EXPECT_TRUE(empty.WriteData(info));
+  EXPECT_FALSE(empty.IsDataFile(info));
+  EXPECT_FALSE(empty.ReadData(info));
   info.SetCharMetricsInfo(new CharMetricsInfo());
-  ASSERT_TRUE(serializer.WriteData(info));
-  EXPECT_EQ(readFile(Data(5)), zeros(128));
-  EXPECT_FALSE(serializer.ReadData(info));
+  ASSERT_TRUE(empty.WriteData(info));
+  EXPECT_EQ(readFile(dir_.file("cache/FInfo/Fdata/5")), zeros(128));
+  EXPECT_FALSE(empty.ReadData(info));
   EXPECT_EQ(info.GetCharMetricsInfo(), nullptr);
 }
 
@@ -406,23 +394,6 @@ TEST_F(FontInfoSerializerTest, EveryTruncatedDataFileIsRejected) {
   ASSERT_TRUE(serializer.ReadData(info));
   EXPECT_TRUE(info.GetCharMetricsInfo()->IsVisibleChar(0x1D80));
   EXPECT_EQ(info.GetKerningInfo()->GetDelta(84, 111), -60);
-}
-
-TEST_F(FontInfoSerializerTest, ZeroFilledAndHostileDataFilesAreRejected) {
-  FontInfoSerializer serializer(Base());
-  const std::string files[] = {
-      zeros(100),                                     // too short
-      hex("01 00000000 7F000000 FFFF") + zeros(127),  // count beyond size
-      zeros(128) + hex("FFFFFFFF"),                   // absurd kerning count
-  };
-  for (const std::string& file : files) {
-    ASSERT_TRUE(writeFile(Data(2), file));
-    FontInfo info;
-    info.SetInfoIndex(2);
-    EXPECT_FALSE(serializer.ReadData(info));
-    EXPECT_EQ(info.GetCharMetricsInfo(), nullptr);
-    EXPECT_EQ(info.GetKerningInfo(), nullptr);
-  }
 }
 
 TEST_F(FontInfoSerializerTest, DefaultFontInfoFileRoundTripAndDamage) {
