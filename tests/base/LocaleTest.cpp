@@ -23,6 +23,8 @@ TEST(Locale, ConstructionFillsTheDefaultCountry) {
   EXPECT_EQ(text(Locale::DEFAULT), "en|US");
 }
 
+// Create splits with the tokenizer: empty tokens between separators are
+// dropped, a trailing empty one is kept.
 TEST(Locale, CreateSplitsAtUnderscoreOrHyphen) {
   const char* const cases[][2] = {
       {"zh_TW", "zh|TW"}, {"pt-PT", "pt|PT"}, {"sr_Latn_SP", "sr|Latn"}, {"ko--KR", "ko|KR"},

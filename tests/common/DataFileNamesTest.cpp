@@ -9,19 +9,6 @@ namespace {
 
 using namespace qro_common;
 
-TEST(DataFileNames, FixedNames) {
-  EXPECT_STREQ(getFontInfoVersion(), "Table Version 2.054");
-  EXPECT_STREQ(getFontInfoTableName(), "Ftable");
-  EXPECT_STREQ(getFontInfoDataDirectoryName(), "Fdata/");
-  EXPECT_STREQ(getFontInfoStorageName(), "FInfo/");
-  EXPECT_STREQ(getAssetFontStorageName(), "AFonts/");
-  EXPECT_STREQ(getFontChainName(), "fc");
-  EXPECT_STREQ(getDefaultFontsName(), "df");
-  EXPECT_STREQ(getScriptDefaultFontsName(), "sf");
-  EXPECT_STREQ(getCompressedFontInfoFileName(), "qrfont.zip");
-  EXPECT_STREQ(getDefaultFontInfoFileName(), "fi");
-}
-
 TEST(DataFileNames, ByteSizeRoundsUpToWholeBytes) {
   const int cases[][3] = {
       {0, 7, 1},       {0, 8, 2},   {5, 5, 1},       {0xAC00, 0xD7A3, 1397},  // 11172 values

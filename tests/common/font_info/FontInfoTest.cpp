@@ -57,18 +57,6 @@ TEST(Font, OrdersNamesAsByteStrings) {
   EXPECT_TRUE(Font("Zeta") < Font("\xEB\x8F\x8B"));
 }
 
-TEST(Font, ClonesCarryBothNamesAndTheFlags) {
-  Font font("Batang");
-  EXPECT_TRUE(font.IsWithoutFile());
-  font.SetSecondName("second");
-  font.SetSymbol(true);
-  font.SetWithoutFile(false);
-  std::unique_ptr<Font> clone(font.Clone());
-  EXPECT_EQ(clone->GetSecondName(), "second");
-  EXPECT_TRUE(clone->IsSymbol());
-  EXPECT_FALSE(clone->IsWithoutFile());
-}
-
 TEST(FontStorage, InitReindexesKeepsEmptyPositionsAndAddAppends) {
   qro_common::Storage<Font> storage;
   EXPECT_THROW(storage.Get(0), std::out_of_range);
