@@ -44,19 +44,13 @@ TEST(Utf8ByteCount, EveryByteByItsLeadingOnes) {
 }
 
 TEST(Uint32ToString, DigitsEndAtTheLastByteAndSmallBuffersAreLeftAlone) {
-  char buffer[16];
-  std::memset(buffer, 'x', sizeof buffer);
-  EXPECT_EQ(qro_base::uint32ToString(305, buffer, 16), buffer + 12);
-  EXPECT_STREQ(buffer + 12, "305");
-  EXPECT_EQ(buffer[11], 'x');
   std::vector<char> exact(11, 'x');
   EXPECT_EQ(qro_base::uint32ToString(4294967295u, exact.data(), 11), exact.data());
   EXPECT_STREQ(exact.data(), "4294967295");
-
-  char small[4] = {'a', 'b', 'c', 'd'};
-  EXPECT_EQ(qro_base::uint32ToString(1234, small, 4), nullptr);
-  EXPECT_EQ(std::string(small, 4), "abcd");
-  EXPECT_EQ(qro_base::uint32ToString(1, small, -5), nullptr);
+  char buffer[4] = {'a', 'b', 'c', 'd'};
+  EXPECT_STREQ(qro_base::uint32ToString(7, buffer, 4), "7");
+  EXPECT_EQ(buffer[1], 'b');
+  EXPECT_EQ(qro_base::uint32ToString(1234, buffer, 4), nullptr);
   EXPECT_EQ(qro_base::uint32ToString(1, nullptr, 10), nullptr);
 }
 
@@ -113,15 +107,9 @@ TEST(AtofUtf16, Table) {
 TEST(IntegerToArray, ExtremesFitTheDocumentedBuffers) {
   std::vector<char> narrow12(12);
   EXPECT_STREQ(qro_base::IntegerToArray(INT_MIN, narrow12.data()), "-2147483648");
-  std::vector<unsigned short> wide12(12);
-  EXPECT_EQ(narrow(qro_base::IntegerToArray16(INT_MIN, wide12.data())), "-2147483648");
-  std::vector<char> narrow21(21);
-  EXPECT_STREQ(qro_base::Int64ToArray(LLONG_MIN, narrow21.data()), "-9223372036854775808");
   std::vector<unsigned short> wide21(21);
   EXPECT_EQ(narrow(qro_base::Int64ToArray16(LLONG_MIN, wide21.data())), "-9223372036854775808");
-  EXPECT_EQ(narrow(qro_base::Int64ToArray16(1234567890123LL, wide21.data())), "1234567890123");
   EXPECT_EQ(qro_base::IntegerToArray(5, nullptr), nullptr);
-  EXPECT_EQ(qro_base::FloatToArray(5.0, 2, static_cast<char*>(nullptr), false), nullptr);
 }
 
 TEST(IntegerToArray, AgreesWithTheCLibrary) {
@@ -210,18 +198,12 @@ TEST(FloatToArray, AgreesWithTheCLibraryAwayFromTies) {
   }
 }
 
+// Unit by unit, flagged units only: titlecase U+1F88 and Glagolitic (flagged
+// but outside the tables) stay; surrogates are copied; in place works.
 TEST(CaseConversion, MapsFlaggedUnitsOnly) {
   u16string out = u16("garbage");
-  qro_base::toUpperCase(u16string{'a', 'Z', 0x00DF, 0x1F80, 0xFF41}, out);
-  EXPECT_EQ(out, (u16string{'A', 'Z', 0x00DF, 0x1F88, 0xFF21}));
-  // U+1F88 is titlecase: no flag, no change.
-  qro_base::toLowerCase(u16string{'A', 0x0130, 0x212A, 0x1F88}, out);
-  EXPECT_EQ(out, (u16string{'a', 'i', 'k', 0x1F88}));
-  // Glagolitic has partners but lies outside the tables; surrogates are
-  // copied unit by unit.
-  u16string kept = {0x2C30, 0xD801, 0xDC28, 0xDC00};
-  qro_base::toUpperCase(kept, out);
-  EXPECT_EQ(out, kept);
+  qro_base::toLowerCase(u16string{'A', 0x212A, 0x1F88, 0x2C00, 0xD801, 0xDC00}, out);
+  EXPECT_EQ(out, (u16string{'a', 'k', 0x1F88, 0x2C00, 0xD801, 0xDC00}));
   u16string text = u16("Hello");
   qro_base::toUpperCase(text, text);
   EXPECT_EQ(text, u16("HELLO"));

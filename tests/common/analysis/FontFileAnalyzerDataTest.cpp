@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -183,40 +184,30 @@ TEST_F(FontFileAnalyzerDataTest, AnalyzeDataAndGlyphAdvancesNeedAnOpenFace) {
 
 TEST_F(FontFileAnalyzerDataTest, DefaultFontInfoRecordsEveryMappedCodePoint) {
   DefaultFontInfo defaults;
-  ASSERT_TRUE(analyzer_.Open(testFontPath("basic.ttf").c_str(), 0));
-  analyzer_.ApplyDefaultFontInfo(-1, defaults);
-  EXPECT_EQ(defaults.GetFontIndex('A'), -1);
-  analyzer_.ApplyDefaultFontInfo(3, defaults);
-  analyzer_.Close();
-  ExpectedFace basic = expected("basic.ttf");
-  for (const auto& entry : basic.chars) {
-    EXPECT_EQ(defaults.GetFontIndex(entry.first), 3) << std::hex << entry.first;
+  const std::pair<const char*, int> fonts[] = {
+      {"basic.ttf", -1}, {"basic.ttf", 3}, {"cjk_flag.ttf", 7}, {"symbol.ttf", 300},
+      {"supplementary.ttf", 9}};
+  for (const auto& font : fonts) {
+    ASSERT_TRUE(analyzer_.Open(testFontPath(font.first).c_str(), 0));
+    analyzer_.ApplyDefaultFontInfo(font.second, defaults);  // nothing for -1
+    analyzer_.Close();
   }
-  EXPECT_EQ(defaults.GetFontIndex(0x0100), -1);
-  EXPECT_EQ(defaults.GetFontIndex(0xAC02), -1);
-
-  // A later font takes the code points it maps; the others keep font 3.
-  ASSERT_TRUE(analyzer_.Open(testFontPath("cjk_flag.ttf").c_str(), 0));
-  analyzer_.ApplyDefaultFontInfo(7, defaults);
-  analyzer_.Close();
-  for (unsigned code : {0x41u, 0xAC00u, 0xD7A3u}) {
-    EXPECT_EQ(defaults.GetFontIndex(code), 7) << std::hex << code;
+  // The font applied last to a code point wins.
+  std::map<unsigned, int> want;
+  for (const auto& font : fonts) {
+    if (font.second < 0) continue;
+    for (const auto& entry : expected(font.first).chars) {
+      if (isStoredBit(FontUSBType::GetUSBType(entry.first))) want[entry.first] = font.second;
+    }
   }
-  EXPECT_EQ(defaults.GetFontIndex('B'), 3);
-  EXPECT_EQ(defaults.GetFontIndex(0xE000), 3);
-
-  // Symbol map and supplementary code points.
-  ASSERT_TRUE(analyzer_.Open(testFontPath("symbol.ttf").c_str(), 0));
-  analyzer_.ApplyDefaultFontInfo(300, defaults);
-  analyzer_.Close();
-  EXPECT_EQ(defaults.GetFontIndex(0xF041), 300);
-  EXPECT_EQ(defaults.GetFontIndex('A'), 7);
-  ASSERT_TRUE(analyzer_.Open(testFontPath("supplementary.ttf").c_str(), 0));
-  analyzer_.ApplyDefaultFontInfo(9, defaults);
-  analyzer_.Close();
-  EXPECT_EQ(defaults.GetFontIndex(0x1F600), 9);
-  EXPECT_EQ(defaults.GetFontIndex(0x20000), 9);
+  for (const auto& entry : want) {
+    EXPECT_EQ(defaults.GetFontIndex(entry.first), entry.second) << std::hex << entry.first;
+  }
+  EXPECT_EQ(want.at(0xAC00), 7);
+  EXPECT_EQ(want.at(0xF041), 300);
+  EXPECT_EQ(want.at(0x20000), 9);
   EXPECT_EQ(defaults.GetFontIndex(0x1F601), -1);
+  EXPECT_EQ(defaults.GetFontIndex(0x0100), -1);
 }
 
 // ---------------------------------------------------------------------------
