@@ -95,6 +95,7 @@ TEST(SingleCharMetricsRange, ReadRejectsBadBodies) {
           "00000000 03000000 0500 0000 0100 0100 0100 0200 0100 0300 0100 0400 0100",  // K > size
           "00000000 03000000 0100 0400 0100",      // offset past the end
           "00000000 03000000 0200 0200 0100 0100 0100",  // offsets not ascending
+          "00000000 03000000 0200 0100 0100 0100 0100",  // repeated offset
       },
       [] { return SingleCharMetricsRange(-1, -1); });
 }
