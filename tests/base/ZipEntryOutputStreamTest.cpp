@@ -75,9 +75,12 @@ TEST(ZipEntryOutputStream, WritesTheExpectedBytesOnDisk) {
   EXPECT_EQ(bytes, local + central + end);
 }
 
+// Written over an existing file and finished by the destructor, the archive
+// reads back through both back ends and Python's zipfile module.
 TEST(ZipEntryOutputStream, RoundTripsThroughBothBackEndsAndPython) {
   TempDir dir;
   std::string path = dir.file("round.zip");
+  ASSERT_TRUE(kelfont_test::writeFile(path, std::string(100000, 'z')));
   std::string binary;
   for (int i = 0; i < 4; ++i) binary += kelfont_test::storedBytes();
   std::string text = kelfont_test::deflatedText();
@@ -94,25 +97,20 @@ TEST(ZipEntryOutputStream, RoundTripsThroughBothBackEndsAndPython) {
     ASSERT_TRUE(out.Write(text.data() + 1000, 1));
     ASSERT_TRUE(out.Write(text.data() + 1001, static_cast<unsigned>(text.size() - 1001)));
     ASSERT_TRUE(put(out, "Fdata/12", ""));
-    ASSERT_EQ(out.GetEntries().size(), 5u);
-    EXPECT_EQ(out.GetEntries()[3].GetName(), "Ftable");
-    EXPECT_TRUE(out.Close());
+    EXPECT_EQ(out.GetEntries().size(), 5u);
   }
-  Listing expected = {
-      {"Fdata/", 0}, {"hello.txt", 5}, {"Fdata/0", 1024}, {"Ftable", 8890}, {"Fdata/12", 0}};
+  const std::pair<std::string, std::string> entries[] = {
+      {"Fdata/", ""}, {"hello.txt", "hello"}, {"Fdata/0", binary},
+      {"Ftable", text}, {"Fdata/12", ""}};
   for (bool zzip : {true, false}) {
     SCOPED_TRACE(zzip ? "zziplib" : "minizip");
     qro_base::ZipFile zip(path.c_str(), zzip);
-    EXPECT_EQ(kelfont_test::listing(zip), expected);
-    bool ok = false;
-    EXPECT_EQ(kelfont_test::readEntry(zip, "hello.txt", &ok), "hello");
-    EXPECT_TRUE(ok);
-    EXPECT_EQ(kelfont_test::readEntry(zip, "Fdata/0", &ok), binary);
-    EXPECT_TRUE(ok);
-    EXPECT_EQ(kelfont_test::readEntry(zip, "Ftable", &ok), text);
-    EXPECT_TRUE(ok);
-    EXPECT_EQ(kelfont_test::readEntry(zip, "Fdata/12", &ok), "");
-    EXPECT_TRUE(ok);
+    ASSERT_EQ(zip.GetEntries().size(), 5u);
+    for (const auto& entry : entries) {
+      bool ok = false;
+      EXPECT_EQ(kelfont_test::readEntry(zip, entry.first.c_str(), &ok), entry.second);
+      EXPECT_TRUE(ok) << entry.first;
+    }
   }
   static const char kCheck[] = R"(
 import sys, zipfile
@@ -133,47 +131,32 @@ with zipfile.ZipFile(sys.argv[1]) as z:
             "Fdata/12 0 8 00000000 \n");
 }
 
-TEST(ZipEntryOutputStream, AFailedEntryPrintsTheErrorLine) {
-  TempDir dir;
-  qro_base::ZipEntryOutputStream out(dir.file("no/such/folder/a.zip").c_str());
-  EXPECT_FALSE(out.IsOpen());
-  qro_base::ZipEntry entry("Ftable", 0);
-  testing::internal::CaptureStdout();
-  EXPECT_FALSE(out.PutNextEntry(entry));
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "error in opening Ftable in zipfile\n");
-  EXPECT_FALSE(out.Write("abc", 3));
-  EXPECT_FALSE(out.CloseEntry());
-  EXPECT_FALSE(out.Close());
-}
-
+// The longest name the header holds fits; a longer one is refused (and
+// still listed among the entries started). zziplib cannot read such an
+// archive, so Python checks it.
 TEST(ZipEntryOutputStream, NamesTooLongForTheHeaderAreRefused) {
   TempDir dir;
   std::string path = dir.file("names.zip");
   std::string tooLong(65536, 'x');
-  std::string longest(65535, 'y');
   {
     qro_base::ZipEntryOutputStream out(path.c_str());
-    ASSERT_TRUE(out.IsOpen());
     qro_base::ZipEntry entry(tooLong, 0);
     testing::internal::CaptureStdout();
     EXPECT_FALSE(out.PutNextEntry(entry));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "error in opening " + tooLong + " in zipfile\n");
-    EXPECT_FALSE(out.Write("abc", 3));
-    ASSERT_TRUE(put(out, longest, "fits"));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "error in opening " + tooLong + " in zipfile\n");
+    ASSERT_TRUE(put(out, std::string(65535, 'y'), "fits"));
     ASSERT_TRUE(put(out, "fc", "chain"));
-    EXPECT_TRUE(out.Close());
+    EXPECT_EQ(out.GetEntries().size(), 3u);
   }
   static const char kCheck[] = R"(
 import sys, zipfile
 with zipfile.ZipFile(sys.argv[1]) as z:
     assert z.testzip() is None
-    for i in z.infolist():
-        print(len(i.filename), z.read(i).decode())
+    print(' '.join('%d:%s' % (len(i.filename), z.read(i).decode()) for i in z.infolist()))
 )";
   std::string report;
   ASSERT_TRUE(kelfont_test::runPython(dir, kCheck, {path}, &report));
-  EXPECT_EQ(report, "65535 fits\n2 chain\n");
+  EXPECT_EQ(report, "65535:fits 2:chain\n");
 }
 
 TEST(ZipEntryOutputStream, WritesNeedAnOpenEntryAndBytes) {
@@ -192,32 +175,16 @@ TEST(ZipEntryOutputStream, WritesNeedAnOpenEntryAndBytes) {
   EXPECT_TRUE(out.CloseEntry());
   EXPECT_FALSE(out.Write("abc", 3));  // the entry is ended
   EXPECT_TRUE(out.Close());
-  EXPECT_FALSE(out.IsOpen());
   EXPECT_FALSE(out.Close());
   testing::internal::CaptureStdout();
   EXPECT_FALSE(out.PutNextEntry(entry));  // the archive is finished
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "error in opening a in zipfile\n");
   qro_base::ZipFile zip(path.c_str(), false);
   EXPECT_EQ(kelfont_test::listing(zip), (Listing{{"a", 3}}));
-}
-
-TEST(ZipEntryOutputStream, ReplacesAnExistingFileAndFinishesOnDestruction) {
-  TempDir dir;
-  std::string path = dir.file("old.zip");
-  ASSERT_TRUE(kelfont_test::writeFile(path, std::string(10000, 'z')));
-  {
-    qro_base::ZipEntryOutputStream out(path.c_str());
-    ASSERT_TRUE(out.IsOpen());
-    ASSERT_TRUE(put(out, "df", "Arial"));
-    // No Close(): the destructor writes the central directory.
-  }
-  EXPECT_LT(kelfont_test::readFile(path).size(), 200u);
-  for (bool zzip : {true, false}) {
-    qro_base::ZipFile zip(path.c_str(), zzip);
-    bool ok = false;
-    EXPECT_EQ(kelfont_test::readEntry(zip, "df", &ok), "Arial");
-    EXPECT_TRUE(ok);
-  }
+  qro_base::ZipEntryOutputStream unopened(dir.file("no/such/folder/a.zip").c_str());
+  EXPECT_FALSE(unopened.IsOpen());
+  EXPECT_FALSE(unopened.Write("abc", 3));
+  EXPECT_FALSE(unopened.Close());
 }
 
 }  // namespace

@@ -9,36 +9,13 @@ namespace {
 
 using namespace qro_common;
 
-TEST(DataFileNames, FixedNames) {
-  EXPECT_STREQ(getFontInfoVersion(), "Table Version 2.054");
-  EXPECT_STREQ(getFontInfoTableName(), "Ftable");
-  EXPECT_STREQ(getFontInfoDataDirectoryName(), "Fdata/");
-  EXPECT_STREQ(getFontInfoStorageName(), "FInfo/");
-  EXPECT_STREQ(getAssetFontStorageName(), "AFonts/");
-  EXPECT_STREQ(getFontChainName(), "fc");
-  EXPECT_STREQ(getDefaultFontsName(), "df");
-  EXPECT_STREQ(getScriptDefaultFontsName(), "sf");
-  EXPECT_STREQ(getCompressedFontInfoFileName(), "qrfont.zip");
-  EXPECT_STREQ(getDefaultFontInfoFileName(), "fi");
-}
-
 TEST(DataFileNames, ByteSizeRoundsUpToWholeBytes) {
-  EXPECT_EQ(getByteSize(0, 7), 1);
-  EXPECT_EQ(getByteSize(0, 8), 2);
-  EXPECT_EQ(getByteSize(5, 5), 1);
-  EXPECT_EQ(getByteSize(0, 15), 2);
-  EXPECT_EQ(getByteSize(0, 16), 3);
-  EXPECT_EQ(getByteSize(0x20, 0x7E), 12);  // 95 values
-  EXPECT_EQ(getByteSize(0xAC00, 0xD7A3), 1397);  // 11172 values
-  EXPECT_EQ(getByteSize(-8, -1), 1);
-}
-
-TEST(DataFileNames, ByteSizeOfAnEmptyOrHugeRange) {
-  EXPECT_EQ(getByteSize(5, 4), 0);
-  EXPECT_EQ(getByteSize(10, 0), 0);
-  EXPECT_EQ(getByteSize(INT_MAX, INT_MIN), 0);
-  // 2^32 values: no overflow on the way.
-  EXPECT_EQ(getByteSize(INT_MIN, INT_MAX), 536870912);
+  const int cases[][3] = {
+      {0, 7, 1},       {0, 8, 2},   {5, 5, 1},       {0xAC00, 0xD7A3, 1397},  // 11172 values
+      {-8, -1, 1},     {5, 4, 0},   {INT_MAX, INT_MIN, 0},
+      {INT_MIN, INT_MAX, 536870912},  // 2^32 values: no overflow on the way
+  };
+  for (const auto& c : cases) EXPECT_EQ(getByteSize(c[0], c[1]), c[2]) << c[0] << " " << c[1];
 }
 
 TEST(DataFileNames, FontFilesByExtensionAnywhereInThePath) {

@@ -53,26 +53,19 @@ class FontFileAnalyzerBadInputTest : public ::testing::Test {
   FontFileAnalyzer analyzer_;
 };
 
-TEST_F(FontFileAnalyzerBadInputTest, MissingEmptyAndDirectoryPaths) {
+TEST_F(FontFileAnalyzerBadInputTest, MissingEmptyDirectoryAndGarbageAreRefused) {
   EXPECT_FALSE(exercise(dir_.file("missing.ttf")));
   EXPECT_EQ(analyzer_.GetFileSize(), 0);
   EXPECT_FALSE(analyzer_.Open(nullptr, 0));
-  EXPECT_FALSE(exercise(write("empty.ttf", "")));
-  EXPECT_EQ(analyzer_.GetFileSize(), 0);
   ASSERT_EQ(mkdir(dir_.file("x.ttf").c_str(), 0700), 0);
   EXPECT_FALSE(exercise(dir_.file("x.ttf")));
-  EXPECT_EQ(analyzer_.GetFileSize(), 0);
-}
-
-TEST_F(FontFileAnalyzerBadInputTest, GarbageIsRefused) {
   std::mt19937 random(20240601);
-  const std::string heads[] = {"",     std::string("\0\1\0\0", 4),
-                               "OTTO", "true",
-                               "ttcf", std::string("ttcf\0\1\0\0\0\0\0\1", 12)};
+  const std::string heads[] = {"", std::string("\0\1\0\0", 4), "OTTO", "true", "ttcf",
+                               std::string("ttcf\0\1\0\0\0\0\0\1", 12)};
   int n = 0;
   for (const std::string& head : heads) {
-    for (std::size_t size : {1u, 11u, 12u, 100u, 4096u}) {
-      std::string bytes = head;
+    for (std::size_t size : {0u, 11u, 100u, 4096u}) {
+      std::string bytes = head.substr(0, size);
       while (bytes.size() < size) bytes += static_cast<char>(random() & 0xFF);
       const std::string name = "garbage" + std::to_string(n++) + ".ttf";
       EXPECT_FALSE(exercise(write(name, bytes))) << name;
@@ -80,21 +73,18 @@ TEST_F(FontFileAnalyzerBadInputTest, GarbageIsRefused) {
   }
 }
 
-TEST_F(FontFileAnalyzerBadInputTest, TruncatedFonts) {
-  for (const char* file : {"basic.ttf", "cff.otf", "collection.ttc", "longname.ttf"}) {
+// Every 37th length of each format, and every 23rd byte of basic.ttf
+// damaged three ways: whatever opens analyses without harm.
+TEST_F(FontFileAnalyzerBadInputTest, TruncatedAndDamagedFonts) {
+  for (const char* file : {"basic.ttf", "cff.otf", "collection.ttc"}) {
     const std::string whole = kelfont_test::readFile(testFontPath(file));
     ASSERT_GT(whole.size(), 500u) << file;
-    EXPECT_TRUE(exercise(write(std::string("whole_") + file, whole))) << file;
     for (std::size_t size = 1; size < whole.size(); size += 37) {
-      exercise(write(std::string("cut_") + file, whole.substr(0, size)));
+      exercise(write("cut.ttf", whole.substr(0, size)));
     }
-    EXPECT_FALSE(exercise(write(std::string("short_") + file, whole.substr(0, 11)))) << file;
+    EXPECT_FALSE(exercise(write("short.ttf", whole.substr(0, 11)))) << file;
   }
-}
-
-TEST_F(FontFileAnalyzerBadInputTest, DamagedBytes) {
   const std::string whole = kelfont_test::readFile(testFontPath("basic.ttf"));
-  ASSERT_FALSE(whole.empty());
   int opened = 0;
   for (std::size_t at = 0; at < whole.size(); at += 23) {
     for (char value : {'\xFF', '\x00', '\x7F'}) {
@@ -103,8 +93,7 @@ TEST_F(FontFileAnalyzerBadInputTest, DamagedBytes) {
       opened += exercise(write("damaged.ttf", bytes));
     }
   }
-  // Most single-byte damage (inside outlines, names, metrics) still opens.
-  EXPECT_GT(opened, 0);
+  EXPECT_GT(opened, 0);  // most damage (inside outlines, names, metrics) still opens
 }
 
 TEST_F(FontFileAnalyzerBadInputTest, CollectionClaimingMoreFacesThanItHas) {

@@ -5,6 +5,7 @@
 #include <utime.h>
 
 #include <ctime>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -109,83 +110,29 @@ class FontInfoSerializerTest : public testing::Test {
   TempDir dir_;
 };
 
-TEST_F(FontInfoSerializerTest, CreatesItsFoldersAndFindsNoTable) {
-  FontInfoSerializer serializer(Base() + "cache/");
-  struct stat info;
-  EXPECT_EQ(stat(dir_.file("cache/FInfo/Fdata").c_str(), &info), 0);
-  EXPECT_TRUE(S_ISDIR(info.st_mode));
-  EXPECT_FALSE(serializer.IsTableExists());
-  EXPECT_FALSE(serializer.ReadHeader());
-  std::vector<FontInfo*> list;
-  EXPECT_FALSE(serializer.Read(list));
-  EXPECT_TRUE(list.empty());
-  DefaultFontInfo defaults;
-  EXPECT_FALSE(serializer.ReadDefaultFontInfo(defaults));
-}
-
-TEST_F(FontInfoSerializerTest, EmptyTableReadsNothing) {
-  FontInfoSerializer first(Base());
-  ASSERT_TRUE(writeFile(Table(), ""));
-  FontInfoSerializer serializer(Base());
-  EXPECT_TRUE(serializer.IsTableExists());
-  EXPECT_FALSE(serializer.ReadHeader());
-  std::vector<FontInfo*> list;
-  EXPECT_FALSE(serializer.Read(list));
-}
-
-TEST_F(FontInfoSerializerTest, WritesTheTableByteForByte) {
-  FontInfoSerializer serializer(Base());
+// The table bytes of fullInfo() and an empty info. Read back and written
+// again, they give the same bytes: every stored field survives.
+TEST_F(FontInfoSerializerTest, TableGoldenBytesAndReadBack) {
+  FontInfoSerializer writer(Base());
   auto full = fullInfo();
-  FontInfo empty;
-  std::vector<FontInfo*> list = {full.get(), &empty};
+  FontInfo blank;
+  std::vector<FontInfo*> written = {full.get(), &blank};
   std::vector<const std::string*> directories;
-  ASSERT_TRUE(serializer.Write(list, directories));
-  EXPECT_EQ(readFile(Table()), kHeader + kFullRecord + kEmptyRecord);
-}
+  ASSERT_TRUE(writer.Write(written, directories));
+  const std::string golden = kHeader + kFullRecord + kEmptyRecord;
+  EXPECT_EQ(readFile(Table()), golden);
 
-TEST_F(FontInfoSerializerTest, ReadsEveryFieldOfAHandWrittenTable) {
-  FontInfoSerializer first(Base());
-  ASSERT_TRUE(writeFile(Table(), kHeader + kFullRecord + kEmptyRecord));
   FontInfoSerializer serializer(Base());
   std::vector<FontInfo*> list;
   ASSERT_TRUE(serializer.Read(list));
   ASSERT_EQ(list.size(), 2u);
-  const FontInfo& info = *list[0];
-  EXPECT_EQ(info.GetInfoIndex(), 0);
-  EXPECT_EQ(info.GetFaceIndex(), 1);
-  EXPECT_EQ(info.GetFileSize(), 1234);
-  EXPECT_EQ(*info.GetFontName(), "Foo");
-  EXPECT_EQ(*info.GetFamilyName(), "Foo Family");
-  EXPECT_EQ(info.GetStyleName(), nullptr);
-  EXPECT_EQ(info.GetAlternateName(), nullptr);
-  EXPECT_TRUE(info.IsPersisted());
-  EXPECT_FALSE(info.HasVerticalMetrics());
-  EXPECT_TRUE(info.IsCJK());
-  ASSERT_TRUE(info.IsValid());
-  EXPECT_EQ(info.GetPanose()->Get(Panose::kSerifStyle), 11);
-  EXPECT_EQ(info.GetPanose()->Get(Panose::kXHeight), 4);
-  EXPECT_EQ(info.GetSig()->GetCodePageRange(1), 0x80000000u);
-  EXPECT_EQ(info.GetSig()->GetCodePageRange(2), 1u);
-  EXPECT_EQ(info.GetSig()->GetUnicodeRange(1), 3u);
-  EXPECT_EQ(info.GetSig()->GetUnicodeRange(4), 0x40000000u);
-  EXPECT_TRUE(info.GetSig()->IsUnicodeRangeBitSet(126));
-  ASSERT_NE(info.GetFontMetrics(), nullptr);
-  EXPECT_EQ(info.GetFontMetrics()->GetUnitsPerEm(), 1000);
-  EXPECT_EQ(info.GetFontMetrics()->GetAscender(), 800);
-  EXPECT_EQ(info.GetFontMetrics()->GetDescender(), -200);
-  EXPECT_EQ(info.GetFontMetrics()->GetLineGap(), 90);
-  ASSERT_EQ(info.GetLocalizedNames().size(), 1u);
-  EXPECT_EQ(info.GetLocalizedNames().at(0x0409), "Bar");
-  EXPECT_EQ(*info.GetFilePath(), "/f/foo.ttf");
-
-  const FontInfo& empty = *list[1];
-  EXPECT_EQ(empty.GetInfoIndex(), 1);
-  EXPECT_EQ(empty.GetFontName(), nullptr);
-  EXPECT_FALSE(empty.IsValid());
-  EXPECT_EQ(empty.GetFontMetrics(), nullptr);
-  EXPECT_EQ(empty.GetFilePath(), nullptr);
-  ASSERT_NE(serializer.GetDefaultFontIndexes(), nullptr);
+  EXPECT_EQ(list[1]->GetInfoIndex(), 1);
+  EXPECT_EQ(list[0]->GetAlternateName(), nullptr);
+  EXPECT_EQ(list[0]->GetFontMetrics()->GetDescender(), -200);
   EXPECT_EQ(*serializer.GetDefaultFontIndexes(), std::vector<int>(5, 0));
+  FontInfoSerializer again(Base() + "again/");
+  ASSERT_TRUE(again.Write(list, directories));
+  EXPECT_EQ(readFile(dir_.file("again/FInfo/Ftable")), golden);
   deleteAll(list);
 }
 
@@ -213,13 +160,14 @@ TEST_F(FontInfoSerializerTest, WrittenTableReadsBackTheSame) {
   deleteAll(read);
 }
 
-TEST_F(FontInfoSerializerTest, TenOrMoreLocalizedNamesReadAsTheirLeadingDigits) {
+TEST_F(FontInfoSerializerTest, LocalizedNameQuirks) {
   FontInfoSerializer serializer(Base());
+  // Ten or more entries: the count reads as its leading digits ("0a": 0).
   FontInfo info;
   info.SetFontName(new std::string("Many"));
-  const int codes[] = {0x0409, 0x0412, 0x0411, 0x0804, 0x0404,
-                       0x0407, 0x040C, 0x0410, 0x0419, 0x0C0A};
-  for (int code : codes) info.AddLocalizedName(code, "n");
+  for (int code : {0x0409, 0x0412, 0x0411, 0x0804, 0x0404, 0x0407, 0x040C, 0x0410, 0x0419, 0x0C0A}) {
+    info.AddLocalizedName(code, "n");
+  }
   std::string record;
   serializer.Write(info, record, 0);
   // Ten entries of 10 bytes, the first one (lowest code, 0x0404) zh-TW.
@@ -228,47 +176,36 @@ TEST_F(FontInfoSerializerTest, TenOrMoreLocalizedNamesReadAsTheirLeadingDigits) 
   ASSERT_TRUE(serializer.Read(read, record));
   EXPECT_TRUE(read.GetLocalizedNames().empty());
   EXPECT_EQ(*read.GetFontName(), "Many");
-}
-
-TEST_F(FontInfoSerializerTest, AnExistingLanguageKeepsItsName) {
-  FontInfoSerializer serializer(Base());
-  std::string record = "010" "010" "010" "000000" "000" "000000"
-                       "001c" "02" "0b" "05en-US" "02AA" "0b" "05en-US" "02BB"
-                       "0000\n";
-  FontInfo info;
-  ASSERT_TRUE(serializer.Read(info, record));
-  ASSERT_EQ(info.GetLocalizedNames().size(), 1u);
-  EXPECT_EQ(info.GetLocalizedNames().at(0x0409), "AA");
+  // A language seen twice keeps its first name.
+  std::string twice = "010" "010" "010" "000000" "000" "000000"
+                      "001c" "02" "0b" "05en-US" "02AA" "0b" "05en-US" "02BB"
+                      "0000\n";
+  FontInfo first;
+  ASSERT_TRUE(serializer.Read(first, twice));
+  EXPECT_EQ(first.GetLocalizedNames(), (std::map<int, std::string>{{0x0409, "AA"}}));
 }
 
 TEST_F(FontInfoSerializerTest, VersionIsComparedOverTheStoredLengthOnly) {
   FontInfoSerializer serializer(Base());
-  std::string shorter = "12Table Version 2.05\n";
-  EXPECT_TRUE(serializer.CheckTableVersion(shorter));
-  std::string none = "00\n";
-  EXPECT_TRUE(serializer.CheckTableVersion(none));
-  std::string other = "13Table Version 2.053\n";
-  EXPECT_FALSE(serializer.CheckTableVersion(other));
-  EXPECT_FALSE(serializer.IsVersionMatched());
-  std::string longer = "14Table Version 2.054\n";
-  EXPECT_FALSE(serializer.CheckTableVersion(longer));
-  std::string cut = "13Table";
-  EXPECT_FALSE(serializer.CheckTableVersion(cut));
-  std::string tooShort = "1";
-  EXPECT_FALSE(serializer.CheckTableVersion(tooShort));
-}
-
-TEST_F(FontInfoSerializerTest, AnotherVersionYieldsNoRecords) {
-  FontInfoSerializer first(Base());
+  const std::pair<std::string, bool> cases[] = {
+      {"12Table Version 2.05\n", true}, {"00\n", true},
+      {"13Table Version 2.053\n", false}, {"14Table Version 2.054\n", false},
+      {"13Table", false}, {"1", false},
+  };
+  for (const auto& c : cases) {
+    std::string section = c.first;
+    EXPECT_EQ(serializer.CheckTableVersion(section), c.second) << c.first;
+  }
+  // Another version yields no records.
   std::string table = kHeader + kFullRecord;
   table[24] = '3';  // "Table Version 2.034"
   ASSERT_TRUE(writeFile(Table(), table));
-  FontInfoSerializer serializer(Base());
-  EXPECT_FALSE(serializer.ReadHeader());
+  FontInfoSerializer reader(Base());
+  EXPECT_FALSE(reader.ReadHeader());
   std::vector<FontInfo*> list;
-  EXPECT_FALSE(serializer.Read(list));
+  EXPECT_FALSE(reader.Read(list));
   EXPECT_TRUE(list.empty());
-  EXPECT_FALSE(serializer.IsVersionMatched());
+  EXPECT_FALSE(reader.IsVersionMatched());
 }
 
 TEST_F(FontInfoSerializerTest, DirectoryTimesAndAMissingDirectory) {
@@ -322,30 +259,15 @@ TEST_F(FontInfoSerializerTest, TwelveDirectoriesAreCountedInHexAndReadAsZero) {
   EXPECT_TRUE(serializer.IsModified(directories));
 }
 
-TEST_F(FontInfoSerializerTest, NumbersAreWrittenAsTheFormatsSay) {
+TEST_F(FontInfoSerializerTest, NumberFieldQuirks) {
   FontInfoSerializer serializer(Base());
   std::string text;
-  serializer.WriteUInt32(text, 0x80000000u);
-  serializer.WriteSize1(text, 11);
-  serializer.WriteUInt16(text, 65535);
-  serializer.WriteInt16(text, -32768);
-  serializer.WriteUInt8(text, 255);
-  serializer.WriteSize2(text, 10);
-  serializer.WriteSize4(text, 0xABC);
-  serializer.WriteSize2(text, 300);  // too long for two digits: written wider
-  EXPECT_EQ(text, "-2147483648" "b" "65535" "-32768" "255" "0a" "0abc" "12c");
-}
-
-TEST_F(FontInfoSerializerTest, ReadIntConvertsLeadingDigitsAndStaysInItsBuffer) {
-  FontInfoSerializer serializer(Base());
-  std::string text = "-2147483648" "4294967295" "0c" "12ab" "x";
+  serializer.WriteUInt32(text, 0xFFFFFFFFu);  // the 32 bits printed signed
+  serializer.WriteSize2(text, 300);           // too long for two digits: written wider
+  EXPECT_EQ(text, "-1" "12c");
   const char* cursor = text.c_str();
-  EXPECT_EQ(serializer.ReadInt(&cursor, 11), -2147483647 - 1);
-  EXPECT_EQ(serializer.ReadInt(&cursor, 10), -1);
-  EXPECT_EQ(serializer.ReadInt(&cursor, 2), 0);
-  EXPECT_EQ(serializer.ReadInt(&cursor, 4), 12);
-  EXPECT_EQ(serializer.ReadInt(&cursor, 1), 0);
-  EXPECT_EQ(cursor, text.c_str() + text.size());
+  EXPECT_EQ(serializer.ReadInt(&cursor, 2), -1);
+  EXPECT_EQ(serializer.ReadInt(&cursor, 3), 12);  // leading digits only
   // A length above the number buffer is clamped, and the cursor still moves.
   std::string digits(400, '7');
   cursor = digits.c_str();
@@ -353,29 +275,18 @@ TEST_F(FontInfoSerializerTest, ReadIntConvertsLeadingDigitsAndStaysInItsBuffer) 
   EXPECT_EQ(cursor, digits.c_str() + 400);
 }
 
-TEST_F(FontInfoSerializerTest, ShortOrOverlongRecordsAreRejected) {
+TEST_F(FontInfoSerializerTest, FieldsRunningPastTheirRecordOrBlockAreRejected) {
   FontInfoSerializer serializer(Base());
   FontInfo info;
-  std::string tiny = "010";
-  EXPECT_FALSE(serializer.Read(info, tiny));
-  std::string record = kFullRecord.substr(4);
-  // Every cut of a record leaves a field that does not fit.
-  for (size_t cut = 4; cut + 1 < record.size(); ++cut) {
-    std::string part = record.substr(0, cut);
-    FontInfo partial;
-    EXPECT_FALSE(serializer.Read(partial, part)) << cut;
-    EXPECT_EQ(partial.GetFontName(), nullptr) << cut;
+  for (std::string record : {std::string("010"), std::string("010011010ffFoo"),
+                             std::string("010011010000000000" "02" "9123456789" "00000000000000\n")}) {
+    EXPECT_FALSE(serializer.Read(info, record)) << record;
   }
-  // A field length that runs past the end.
-  std::string longName = "010011010ffFoo";
-  EXPECT_FALSE(serializer.Read(info, longName));
-  // A block field that runs past its block.
-  std::string badPanose = "010011010000000000" "02" "9123456789" "00000000000000\n";
-  EXPECT_FALSE(serializer.Read(info, badPanose));
+  EXPECT_EQ(info.GetFontName(), nullptr);
   EXPECT_EQ(info.GetPanose(), nullptr);
 }
 
-TEST_F(FontInfoSerializerTest, TruncatedTablesKeepTheRecordsThatParse) {
+TEST_F(FontInfoSerializerTest, TruncatedTablesKeepTheRecordsThatParseAndGarbageGivesNone) {
   FontInfoSerializer first(Base());
   std::string table = kHeader + kFullRecord + kEmptyRecord;
   size_t secondStart = kHeader.size() + kFullRecord.size();
@@ -389,35 +300,14 @@ TEST_F(FontInfoSerializerTest, TruncatedTablesKeepTheRecordsThatParse) {
     EXPECT_EQ(read, expected > 0) << cut;
     deleteAll(list);
   }
-}
-
-TEST_F(FontInfoSerializerTest, GarbageTablesDoNotCrash) {
-  FontInfoSerializer first(Base());
-  const std::string tables[] = {
-      std::string(64, '\0'),
-      std::string(64, 'f'),
-      "0016" "ff" "Table Version 2.054\n",
-      kHeader + "ffff" + kFullRecord.substr(4),
-      kHeader + "0004" "ffff",
-  };
-  for (const std::string& table : tables) {
-    ASSERT_TRUE(writeFile(Table(), table));
+  for (const std::string& garbage : {std::string(64, 'f'), kHeader + "ffff" + kFullRecord.substr(4),
+                                     std::string("0016" "ff" "Table Version 2.054\n")}) {
+    ASSERT_TRUE(writeFile(Table(), garbage));
     FontInfoSerializer serializer(Base());
     std::vector<FontInfo*> list;
     EXPECT_FALSE(serializer.Read(list));
     EXPECT_TRUE(list.empty());
-    serializer.ReadHeader();
   }
-}
-
-TEST_F(FontInfoSerializerTest, DataFilePathIsTheInfoIndex) {
-  FontInfoSerializer serializer(Base());
-  FontInfo info;
-  info.SetInfoIndex(17);
-  std::string path = "prefix:";
-  serializer.MakeFontInfoDataFilePath(info, path);
-  EXPECT_EQ(path, "prefix:" + Base() + "FInfo/Fdata/17");
-  EXPECT_FALSE(serializer.IsDataFile(info));
 }
 
 TEST_F(FontInfoSerializerTest, WritesTheDataFileByteForByte) {
@@ -431,89 +321,50 @@ TEST_F(FontInfoSerializerTest, WritesTheDataFileByteForByte) {
   auto* kerning = new KerningInfo();
   kerning->Register(65, 86, -120);
   info.SetKerningInfo(kerning);
+  std::string path = "prefix:";
+  serializer.MakeFontInfoDataFilePath(info, path);
+  EXPECT_EQ(path, "prefix:" + Base() + "FInfo/Fdata/3");
+  EXPECT_FALSE(serializer.IsDataFile(info));
   ASSERT_TRUE(serializer.WriteData(info));
   EXPECT_TRUE(serializer.IsDataFile(info));
   EXPECT_EQ(readFile(Data(3)), hex("01 00000000 7F000000 0200 2000 F401 4100 5605") + zeros(127) +
                                    hex("01000000 41000000 56000000 88FF"));
-}
-
-TEST_F(FontInfoSerializerTest, ReadsAHandWrittenDataFile) {
-  FontInfoSerializer serializer(Base());
-  ASSERT_TRUE(writeFile(Data(4), zeros(4) + hex("02 03 01 02 01 801D0000 BF1D0000 0100 0000 0700") +
-                                     zeros(123) + hex("01000000 41000000 56000000 88FF")));
-  FontInfo info;
-  info.SetInfoIndex(4);
-  ASSERT_TRUE(serializer.ReadData(info));
-  ASSERT_NE(info.GetCharMetricsInfo(), nullptr);
-  EXPECT_EQ(info.GetCharMetricsInfo()->GetCharMetrics(0x1D80)->GetAdvance(), 7);
-  EXPECT_EQ(info.GetCharMetricsInfo()->GetCharMetrics(0x41), nullptr);
-  ASSERT_NE(info.GetKerningInfo(), nullptr);
-  EXPECT_EQ(info.GetKerningInfo()->GetDelta(65, 86), -120);
-}
-
-TEST_F(FontInfoSerializerTest, DataWithoutKerningLeavesTheKerningAlone) {
-  FontInfoSerializer serializer(Base());
-  FontInfo info;
-  info.SetInfoIndex(0);
-  auto* kerning = new KerningInfo();
-  kerning->Register(1, 2, 3);
-  info.SetKerningInfo(kerning);
-  ASSERT_TRUE(writeFile(Data(0), hex("01 00000000 7F000000 0100 4100 0100") + zeros(127)));
+  // A file without a kerning part leaves the kerning alone.
+  ASSERT_TRUE(writeFile(Data(3), hex("01 00000000 7F000000 0100 4100 0100") + zeros(127)));
   ASSERT_TRUE(serializer.ReadData(info));
   EXPECT_EQ(info.GetKerningInfo(), kerning);
-  EXPECT_TRUE(info.GetCharMetricsInfo()->IsVisibleChar(0x41));
+  EXPECT_EQ(info.GetCharMetricsInfo()->GetCharMetrics(0x41)->GetAdvance(), 1);
+  EXPECT_EQ(info.GetCharMetricsInfo()->GetCharMetrics(0x20), nullptr);
 }
 
-TEST_F(FontInfoSerializerTest, NoMetricsAndNoKerningMeansNoDataFile) {
-  FontInfoSerializer serializer(Base());
+// Missing or empty files read as nothing; an info without tables writes no
+// data file, and all-empty slots read as no metrics.
+TEST_F(FontInfoSerializerTest, EmptyAndMissingFiles) {
+  FontInfoSerializer serializer(Base() + "cache/");
+  struct stat status;
+  EXPECT_EQ(stat(dir_.file("cache/FInfo/Fdata").c_str(), &status), 0);  // folders created
+  EXPECT_FALSE(serializer.IsTableExists());
+  std::vector<FontInfo*> list;
+  EXPECT_FALSE(serializer.Read(list));
+  DefaultFontInfo defaults;
+  EXPECT_FALSE(serializer.ReadDefaultFontInfo(defaults));
+  ASSERT_TRUE(writeFile(dir_.file("cache/FInfo/Ftable"), ""));
+  FontInfoSerializer empty(Base() + "cache/");
+  EXPECT_TRUE(empty.IsTableExists());
+  EXPECT_FALSE(empty.ReadHeader());
+  EXPECT_FALSE(empty.Read(list));
+  EXPECT_TRUE(list.empty());
+
   FontInfo info;
   info.SetInfoIndex(5);
-  EXPECT_TRUE(serializer.WriteData(info));
-  EXPECT_FALSE(serializer.IsDataFile(info));
-  EXPECT_FALSE(serializer.ReadData(info));
-}
-
-TEST_F(FontInfoSerializerTest, AllEmptySlotsReadAsNoMetrics) {
-  FontInfoSerializer serializer(Base());
-  FontInfo info;
-  info.SetInfoIndex(6);
+  EXPECT_TRUE(empty.WriteData(info));
+  EXPECT_FALSE(empty.IsDataFile(info));
+  EXPECT_FALSE(empty.ReadData(info));
   info.SetCharMetricsInfo(new CharMetricsInfo());
-  ASSERT_TRUE(serializer.WriteData(info));
-  EXPECT_EQ(readFile(Data(6)), zeros(128));
-  EXPECT_FALSE(serializer.ReadData(info));
+  ASSERT_TRUE(empty.WriteData(info));
+  EXPECT_EQ(readFile(dir_.file("cache/FInfo/Fdata/5")), zeros(128));
+  EXPECT_FALSE(empty.ReadData(info));
   EXPECT_EQ(info.GetCharMetricsInfo(), nullptr);
-}
-
-TEST_F(FontInfoSerializerTest, DataRoundTrip) {
-  FontInfoSerializer serializer(Base());
-  FontInfo info;
-  info.SetInfoIndex(8);
-  auto* metrics = new CharMetricsInfo();
-  for (unsigned code = 0xAC00; code <= 0xD7A3; ++code) addAdvance(*metrics, code, 920);
-  for (unsigned code = 0x20; code < 0x7F; ++code) {
-    addAdvance(*metrics, code, static_cast<unsigned short>(code * 5));
-  }
-  addAdvance(*metrics, 0x20001, 1024);
-  metrics->ZipCharMetricsRanges();
-  info.SetCharMetricsInfo(metrics);
-  auto* kerning = new KerningInfo();
-  kerning->Register(84, 111, -60);
-  kerning->Register(-1, 0x10FFFF, 32767);
-  info.SetKerningInfo(kerning);
-  ASSERT_TRUE(serializer.WriteData(info));
-
-  FontInfo read;
-  read.SetInfoIndex(8);
-  ASSERT_TRUE(serializer.ReadData(read));
-  const CharMetricsInfo& copy = *read.GetCharMetricsInfo();
-  EXPECT_EQ(copy.GetCharMetrics(0xAC00)->GetAdvance(), 920);
-  EXPECT_TRUE(copy.IsVisibleChar(0xD7A3));
-  EXPECT_FALSE(copy.IsVisibleChar(0xD7A4));
-  EXPECT_EQ(copy.GetCharMetrics(0x41)->GetAdvance(), 0x41 * 5);
-  EXPECT_EQ(copy.GetCharMetrics(0x20001)->GetAdvance(), 1024);
-  EXPECT_EQ(copy.GetCharMetrics(0x20002), nullptr);
-  EXPECT_EQ(read.GetKerningInfo()->GetDelta(84, 111), -60);
-  EXPECT_EQ(read.GetKerningInfo()->GetDelta(-1, 0x10FFFF), 32767);
 }
 
 TEST_F(FontInfoSerializerTest, EveryTruncatedDataFileIsRejected) {
@@ -545,48 +396,21 @@ TEST_F(FontInfoSerializerTest, EveryTruncatedDataFileIsRejected) {
   EXPECT_EQ(info.GetKerningInfo()->GetDelta(84, 111), -60);
 }
 
-TEST_F(FontInfoSerializerTest, ZeroFilledAndHostileDataFilesAreRejected) {
-  FontInfoSerializer serializer(Base());
-  const std::string files[] = {
-      zeros(100),                                                         // too short
-      hex("01 00000000 FFFFFF7F 0000") + zeros(127),                      // absurd range
-      hex("01 00000000 7F000000 FFFF") + zeros(127),                      // count beyond size
-      hex("02 FF FF") + zeros(127),                                       // missing blocks
-      hex("03 00000000 7F000000") + zeros(4),                             // bits cut short
-      zeros(128) + hex("FFFFFFFF"),                                       // absurd kerning count
-  };
-  for (const std::string& file : files) {
-    ASSERT_TRUE(writeFile(Data(2), file));
-    FontInfo info;
-    info.SetInfoIndex(2);
-    EXPECT_FALSE(serializer.ReadData(info));
-    EXPECT_EQ(info.GetCharMetricsInfo(), nullptr);
-    EXPECT_EQ(info.GetKerningInfo(), nullptr);
-  }
-}
-
-TEST_F(FontInfoSerializerTest, DefaultFontInfoFileByteForByte) {
+TEST_F(FontInfoSerializerTest, DefaultFontInfoFileRoundTripAndDamage) {
   FontInfoSerializer serializer(Base());
   DefaultFontInfo defaults;
   addDefaultFont(defaults, 0x41, 3);
   addDefaultFont(defaults, 0xAC00, 1);
   ASSERT_TRUE(serializer.WriteDefaultFontInfo(defaults));
-  std::string expected = hex("01 00000000 7F000000 0100 4100 0300") + zeros(55) +
-                         hex("02 03 01 01 01 00AC0000 AFD70000 0100 0000 0100") + zeros(71);
-  EXPECT_EQ(readFile(dir_.file("FInfo/fi")), expected);
-
   DefaultFontInfo read;
   ASSERT_TRUE(serializer.ReadDefaultFontInfo(read));
   EXPECT_EQ(read.GetFontIndex(0x41), 3);
   EXPECT_EQ(read.GetFontIndex(0xAC00), 1);
   EXPECT_EQ(read.GetFontIndex(0xAC01), -1);
-
-  for (size_t cut = 1; cut < expected.size(); ++cut) {
-    ASSERT_TRUE(writeFile(dir_.file("FInfo/fi"), expected.substr(0, cut)));
-    DefaultFontInfo damaged;
-    EXPECT_FALSE(serializer.ReadDefaultFontInfo(damaged)) << cut;
-    EXPECT_EQ(damaged.GetFontIndex(0x41), -1) << cut;
-  }
+  ASSERT_TRUE(writeFile(dir_.file("FInfo/fi"), readFile(dir_.file("FInfo/fi")).substr(0, 20)));
+  DefaultFontInfo damaged;
+  EXPECT_FALSE(serializer.ReadDefaultFontInfo(damaged));
+  EXPECT_EQ(damaged.GetFontIndex(0x41), -1);
 }
 
 TEST_F(FontInfoSerializerTest, UnwritableFilesFail) {

@@ -23,23 +23,15 @@ TEST(KerningPair, OrdersByLeftThenRightAsSignedNumbers) {
   EXPECT_FALSE(KerningPair(65, 86, 10) < KerningPair(65, 86, -5));
 }
 
-TEST(KerningInfo, EmptyGivesZero) {
-  KerningInfo kerning;
-  EXPECT_EQ(kerning.GetDelta(65, 86), 0);
-  EXPECT_EQ(kerning.GetCount(), 0);
-}
-
 TEST(KerningInfo, FirstRegistrationWins) {
   KerningInfo kerning;
+  EXPECT_EQ(kerning.GetDelta(65, 86), 0);
   EXPECT_EQ(kerning.Register(65, 86, -120), 0);
   EXPECT_EQ(kerning.Register(84, 111, -60), 1);
   EXPECT_EQ(kerning.Register(65, 86, -80), 0);
   EXPECT_EQ(kerning.GetCount(), 2);
   EXPECT_EQ(kerning.GetDelta(65, 86), -120);
-  EXPECT_EQ(kerning.GetDelta(84, 111), -60);
   EXPECT_EQ(kerning.GetDelta(86, 65), 0);
-  KerningPair pair(84, 111, 5);
-  EXPECT_EQ(kerning.Register(pair), 1);
 }
 
 TEST(KerningInfo, WritesCountThenPairsInRegistrationOrder) {
@@ -64,14 +56,11 @@ TEST(KerningInfo, ReadDropsRepeatedPairs) {
   EXPECT_EQ(kerning.GetCount(), 2);
   EXPECT_EQ(kerning.GetDelta(65, 86), -120);
   EXPECT_EQ(kerning.GetDelta(84, 111), -60);
-}
-
-TEST(KerningInfo, ZeroCountReadsEmpty) {
-  std::string bytes = hex("00000000");
-  auto in = source(bytes);
-  KerningInfo kerning;
-  EXPECT_TRUE(kerning.Read(in));
-  EXPECT_EQ(kerning.GetCount(), 0);
+  std::string none = hex("00000000");
+  auto empty = source(none);
+  KerningInfo zero;
+  EXPECT_TRUE(zero.Read(empty));
+  EXPECT_EQ(zero.GetCount(), 0);
 }
 
 TEST(KerningInfo, RejectsTruncationAndAbsurdCounts) {
