@@ -117,7 +117,8 @@ bool DefaultFontInfoFileExtracter::ExtractScriptDefaultFontsList(const char* lan
 }
 
 void DefaultFontInfoFileExtracter::ExtractFontInfoData(int number) {
-  std::string name = std::string(qro_common::getFontInfoDataDirectoryName()) + std::to_string(number);
+  std::string name =
+      std::string(qro_common::getFontInfoDataDirectoryName()) + std::to_string(number);
   Extract(name.c_str());
 }
 
