@@ -1,5 +1,5 @@
-// Glyph outlines drawn into a recording path, against the glyphs' contours
-// as FreeType and the font generator see them.
+// Glyph outlines drawn into a recording path, against the glyphs as FreeType
+// (called here directly) and the font generator see them.
 
 #include <ft2build.h>
 #include <gtest/gtest.h>
@@ -14,78 +14,61 @@
 namespace kelfont_test {
 namespace {
 
-struct Command {
-  char op;  // M, L, Q, C, R (reset)
-  std::vector<float> points;
-  bool operator==(const Command& o) const { return op == o.op && points == o.points; }
-};
+using Commands = std::vector<std::vector<float>>;  // {op, coordinates...}
 
-std::ostream& operator<<(std::ostream& out, const Command& c) {
-  out << c.op;
-  for (float p : c.points) out << " " << p;
-  return out;
-}
-
-class RecordingPath : public qro_graphics::Path {
- public:
-  std::vector<Command> commands;
-  void reset() override { commands.push_back({'R', {}}); }
-  void moveTo(float x, float y) override { commands.push_back({'M', {x, y}}); }
-  void lineTo(float x, float y) override { commands.push_back({'L', {x, y}}); }
-  void quadTo(float cx, float cy, float x, float y) override {
-    commands.push_back({'Q', {cx, cy, x, y}});
+struct RecordingPath : qro_graphics::Path {
+  Commands commands;
+  void reset() override { commands.push_back({'R'}); }
+  void moveTo(float x, float y) override { commands.push_back({'M', x, y}); }
+  void lineTo(float x, float y) override { commands.push_back({'L', x, y}); }
+  void quadTo(float a, float b, float x, float y) override {
+    commands.push_back({'Q', a, b, x, y});
   }
-  void cubicTo(float ax, float ay, float bx, float by, float x, float y) override {
-    commands.push_back({'C', {ax, ay, bx, by, x, y}});
+  void cubicTo(float a, float b, float c, float d, float x, float y) override {
+    commands.push_back({'C', a, b, c, d, x, y});
   }
 };
 
-// A glyph as FreeType loads it in the test itself at 32 pixels per em
-// (grid-fitted): its outline placed at (ox, oy) with y downward, and its
-// metrics in 1/64 pixels.
+// A glyph of basic.ttf loaded by FreeType at 32 pixels per em (grid-fitted):
+// its outline placed at (ox, oy) with y downward, and its metrics.
 struct Reference {
-  std::vector<Command> commands;
-  float advance = 0, bearing = 0, width = 0;
+  Commands commands;
+  FT_Glyph_Metrics metrics;
 };
 
-Reference freetypeGlyph(const std::string& file, unsigned glyph, int ox, int oy) {
+Reference freetypeGlyph(unsigned glyph, int ox, int oy) {
   struct Context {
-    std::vector<Command> out;
+    Commands out;
     int ox, oy;
-    float x(const FT_Vector* v) const { return static_cast<float>(ox + v->x); }
-    float y(const FT_Vector* v) const { return static_cast<float>(oy - v->y); }
-  } context{{}, ox, oy};
+    void add(char op, std::initializer_list<const FT_Vector*> points) {
+      out.push_back({float(op)});
+      for (const FT_Vector* p : points) {
+        out.back().push_back(float(ox + p->x));
+        out.back().push_back(float(oy - p->y));
+      }
+    }
+  } c{{}, ox, oy};
   FT_Outline_Funcs funcs = {};
-  funcs.move_to = [](const FT_Vector* to, void* u) {
-    auto* c = static_cast<Context*>(u);
-    c->out.push_back({'M', {c->x(to), c->y(to)}});
-    return 0;
+  funcs.move_to = [](const FT_Vector* p, void* u) {
+    return static_cast<Context*>(u)->add('M', {p}), 0;
   };
-  funcs.line_to = [](const FT_Vector* to, void* u) {
-    auto* c = static_cast<Context*>(u);
-    c->out.push_back({'L', {c->x(to), c->y(to)}});
-    return 0;
+  funcs.line_to = [](const FT_Vector* p, void* u) {
+    return static_cast<Context*>(u)->add('L', {p}), 0;
   };
-  funcs.conic_to = [](const FT_Vector* a, const FT_Vector* to, void* u) {
-    auto* c = static_cast<Context*>(u);
-    c->out.push_back({'Q', {c->x(a), c->y(a), c->x(to), c->y(to)}});
-    return 0;
+  funcs.conic_to = [](const FT_Vector* a, const FT_Vector* p, void* u) {
+    return static_cast<Context*>(u)->add('Q', {a, p}), 0;
   };
-  funcs.cubic_to = [](const FT_Vector* a, const FT_Vector* b, const FT_Vector* to, void* u) {
-    auto* c = static_cast<Context*>(u);
-    c->out.push_back({'C', {c->x(a), c->y(a), c->x(b), c->y(b), c->x(to), c->y(to)}});
-    return 0;
+  funcs.cubic_to = [](const FT_Vector* a, const FT_Vector* b, const FT_Vector* p, void* u) {
+    return static_cast<Context*>(u)->add('C', {a, b, p}), 0;
   };
   FT_Library library;
   FT_Face face;
-  EXPECT_EQ(FT_Init_FreeType(&library), 0);
-  EXPECT_EQ(FT_New_Face(library, testFontPath(file).c_str(), 0, &face), 0);
+  FT_Init_FreeType(&library);
+  EXPECT_EQ(FT_New_Face(library, testFontPath("basic.ttf").c_str(), 0, &face), 0);
   FT_Set_Pixel_Sizes(face, 0, 32);
   EXPECT_EQ(FT_Load_Glyph(face, glyph, FT_LOAD_DEFAULT), 0);
-  FT_Outline_Decompose(&face->glyph->outline, &funcs, &context);
-  const FT_Glyph_Metrics& m = face->glyph->metrics;
-  Reference reference{context.out, float(m.horiAdvance), float(m.horiBearingX), float(m.width)};
-  FT_Done_Face(face);
+  FT_Outline_Decompose(&face->glyph->outline, &funcs, &c);
+  Reference reference{c.out, face->glyph->metrics};
   FT_Done_FreeType(library);
   return reference;
 }
@@ -97,10 +80,7 @@ class FontManagerOutlineTest : public ::testing::Test {
     info.SetFilePath(new std::string(testFontPath("basic.ttf")));
     info.SetInfoIndex(0);
   }
-  int glyphOf(unsigned ch) const { return basic.chars.at(ch).glyph; }
-  float advanceOf(unsigned ch) const {
-    return static_cast<float>(basic.glyphs[glyphOf(ch)].advance);
-  }
+  unsigned glyphOf(unsigned ch) const { return unsigned(basic.chars.at(ch).glyph); }
 
   ExpectedFace basic;
   qro_common::FontInfo info;
@@ -108,69 +88,50 @@ class FontManagerOutlineTest : public ::testing::Test {
   RecordingPath path;
 };
 
-TEST_F(FontManagerOutlineTest, TriangleIsDrawnFromTheTruncatedPenWithYFlipped) {
-  float x = 100.7f, y = 50.2f;
-  ASSERT_EQ(manager.OutlineToPath(&info, 'A', x, y, &path), 0);
-  Reference reference = freetypeGlyph("basic.ttf", glyphOf('A'), 100, 50);
-  EXPECT_EQ(path.commands, reference.commands);
-  EXPECT_FLOAT_EQ(x, 100.7f + reference.advance);
-  EXPECT_FLOAT_EQ(y, 50.2f);
-  // At 2048 units per em (basic.ttf's own) path units are font units, up
-  // to the grid fitting of one pixel (64 units).
-  EXPECT_NEAR(reference.advance, advanceOf('A'), 64);
-  const auto& contour = basic.outlines.at(glyphOf('A')).at(0);
-  ASSERT_EQ(path.commands.size(), contour.size() + 1);  // closed by a line
-  for (std::size_t i = 0; i < path.commands.size(); ++i) {
-    const ExpectedPoint& p = contour[i % contour.size()];
-    EXPECT_EQ(path.commands[i].op, i == 0 ? 'M' : 'L');
-    EXPECT_NEAR(path.commands[i].points[0], 100 + p.x, 64) << i;
-    EXPECT_NEAR(path.commands[i].points[1], 50 - p.y, 64) << i;
-  }
-}
-
-TEST_F(FontManagerOutlineTest, CurvesAndContoursMatchFreeType) {
-  for (unsigned ch : {'O', 'o'}) {
+TEST_F(FontManagerOutlineTest, GlyphsAreDrawnFromTheTruncatedPenWithYFlipped) {
+  for (unsigned ch : {'A', 'O', 'o', ' '}) {
     RecordingPath drawn;
-    float x = -20.9f, y = 300.0f;
+    float x = 100.7f, y = 50.2f;
     ASSERT_EQ(manager.OutlineToPath(&info, ch, x, y, &drawn), 0);
-    EXPECT_EQ(drawn.commands, freetypeGlyph("basic.ttf", glyphOf(ch), -20, 300).commands) << ch;
-    EXPECT_FALSE(drawn.commands.empty());
+    Reference reference = freetypeGlyph(glyphOf(ch), 100, 50);
+    EXPECT_EQ(drawn.commands, reference.commands) << ch;
+    EXPECT_EQ(drawn.commands.empty(), ch == ' ');  // a space draws nothing
+    EXPECT_FLOAT_EQ(x, 100.7f + float(reference.metrics.horiAdvance)) << ch;
+    EXPECT_FLOAT_EQ(y, 50.2f);
+    // 2048 units per em, basic.ttf's own: up to the grid fitting of one
+    // pixel (64 units), path units are font units.
+    EXPECT_NEAR(reference.metrics.horiAdvance, basic.chars.at(ch).advance, 64);
   }
-  RecordingPath o;
+  // "A" is one triangle, closed by a line back to its start.
   float x = 0, y = 0;
-  manager.OutlineToPath(&info, 'o', x, y, &o);
-  EXPECT_TRUE(std::any_of(o.commands.begin(), o.commands.end(),
-                          [](const Command& c) { return c.op == 'Q'; }));
+  manager.OutlineToPath(&info, 'A', x, y, &path);
+  const auto& contour = basic.outlines.at(int(glyphOf('A'))).at(0);
+  ASSERT_EQ(path.commands.size(), contour.size() + 1);
+  for (std::size_t i = 0; i < path.commands.size(); ++i) {
+    EXPECT_EQ(path.commands[i][0], i == 0 ? 'M' : 'L');
+    EXPECT_NEAR(path.commands[i][1], contour[i % contour.size()].x, 64) << i;
+    EXPECT_NEAR(path.commands[i][2], -contour[i % contour.size()].y, 64) << i;
+  }
 }
 
-TEST_F(FontManagerOutlineTest, SpaceDrawsNothingAndAdvances) {
-  float x = 10.0f, y = 0.0f;
-  ASSERT_EQ(manager.OutlineToPath(&info, ' ', x, y, &path), 0);
-  EXPECT_TRUE(path.commands.empty());
-  float advance = freetypeGlyph("basic.ttf", glyphOf(' '), 10, 0).advance;
-  EXPECT_FLOAT_EQ(x, 10.0f + advance);
-  EXPECT_NEAR(advance, advanceOf(' '), 64);
-}
-
-TEST_F(FontManagerOutlineTest, GlyphIndexMovesThePenByTheSideBearing) {
+TEST_F(FontManagerOutlineTest, GlyphIndexMovesOnlyThePenByTheSideBearing) {
   float x = 100.7f, y = 50.2f;
-  unsigned glyph = static_cast<unsigned>(glyphOf('A'));
-  ASSERT_EQ(manager.GlyphOutlineToPath(&info, glyph, x, y, &path), 0);
-  Reference reference = freetypeGlyph("basic.ttf", glyph, 100, 50);
-  EXPECT_EQ(path.commands, reference.commands);  // drawn from the pen itself
-  ASSERT_LT(reference.width, reference.advance);
-  EXPECT_FLOAT_EQ(x, 100.7f + reference.bearing + reference.advance);
-}
+  ASSERT_EQ(manager.GlyphOutlineToPath(&info, glyphOf('A'), x, y, &path), 0);
+  Reference reference = freetypeGlyph(glyphOf('A'), 100, 50);
+  EXPECT_EQ(path.commands, reference.commands);
+  ASSERT_LT(reference.metrics.width, reference.metrics.horiAdvance);
+  EXPECT_FLOAT_EQ(x,
+                  100.7f + float(reference.metrics.horiBearingX + reference.metrics.horiAdvance));
 
-TEST_F(FontManagerOutlineTest, MissingFaceFails) {
   qro_common::FontInfo missing;
   missing.SetFilePath(new std::string("/nonexistent/font.ttf"));
   missing.SetInfoIndex(7);
-  float x = 5, y = 5;
-  EXPECT_EQ(manager.OutlineToPath(&missing, 'A', x, y, &path), -1);
-  EXPECT_EQ(manager.OutlineToPath(nullptr, 'A', x, y, &path), -1);
+  RecordingPath untouched;
+  x = 5;
+  EXPECT_EQ(manager.OutlineToPath(&missing, 'A', x, y, &untouched), -1);
+  EXPECT_EQ(manager.GlyphOutlineToPath(nullptr, 1, x, y, &untouched), -1);
   EXPECT_FLOAT_EQ(x, 5);
-  EXPECT_TRUE(path.commands.empty());
+  EXPECT_TRUE(untouched.commands.empty());
 }
 
 }  // namespace

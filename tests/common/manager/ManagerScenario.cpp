@@ -1,6 +1,5 @@
 #include "tests/common/manager/ManagerScenario.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <stdexcept>
 
@@ -23,17 +22,16 @@ void buildPackage(const std::string& directory) {
   std::unique_ptr<qro_common::FontInfo> basic = analyzeFontFile(testFontPath("basic.ttf"));
   if (!basic) throw std::runtime_error("basic.ttf cannot be analysed");
   std::string data = dataFileBytes(*basic);
-  std::vector<std::unique_ptr<qro_common::FontInfo>> owned;
+  std::vector<qro_common::FontInfo> owned(kPackageFontCount);
   std::vector<qro_common::FontInfo*> infos;
-  for (int n = 0; n < kPackageFontCount; ++n) {
-    owned.emplace_back(new qro_common::FontInfo());
-    owned.back()->SetFontName(new std::string(packageFontName(n)));
-    owned.back()->SetFontMetrics(new qro_common::FontMetrics(*basic->GetFontMetrics()));
-    infos.push_back(owned.back().get());
-  }
   TestPackage package;
+  for (int n = 0; n < kPackageFontCount; ++n) {
+    owned[n].SetFontName(new std::string(packageFontName(n)));
+    owned[n].SetFontMetrics(new qro_common::FontMetrics(*basic->GetFontMetrics()));
+    infos.push_back(&owned[n]);
+    package.add("Fdata/" + std::to_string(n), data);
+  }
   if (!package.addFontTable(infos)) throw std::runtime_error("package table not written");
-  for (int n = 0; n < kPackageFontCount; ++n) package.add("Fdata/" + std::to_string(n), data);
   package.add("fc", "Liberation Serif\nNanumGothic\n\n굴림\nNanumGothic\n\n");
   package.add("df", "DejaVu Sans\n\nDejaVu Sans\n\nNanumGothic\n\nDejaVu Sans\n\nDejaVu Sans\n");
   package.add("sf", "56\nNanumGothic\n");
@@ -43,11 +41,7 @@ void buildPackage(const std::string& directory) {
 
 }  // namespace
 
-std::string packageFontName(int n) {
-  char name[8];
-  std::snprintf(name, sizeof name, "Pkg%02d", n);
-  return name;
-}
+std::string packageFontName(int n) { return (n < 10 ? "Pkg0" : "Pkg") + std::to_string(n); }
 
 const Scenario& Scenario::get() {
   static Scenario* scenario = [] {
@@ -71,10 +65,10 @@ const Scenario& Scenario::get() {
   return *scenario;
 }
 
-ManagerRig start(const std::string& storage, const std::vector<std::string>& directories,
-                 const std::string& packageDir) {
+ManagerRig start(const std::string& storage, const std::vector<std::string>& directories) {
   ManagerRig rig;
-  rig.extracter.reset(new qro_ni::DefaultFontInfoFileExtracter(storage, packageDir + "/"));
+  rig.extracter.reset(
+      new qro_ni::DefaultFontInfoFileExtracter(storage, Scenario::get().packageDir + "/"));
   rig.manager.reset(new TestFontManager(rig.extracter.get(), storage, directories));
   rig.manager->Initialize();
   return rig;
