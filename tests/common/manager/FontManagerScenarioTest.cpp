@@ -86,6 +86,19 @@ TEST_F(FontManagerScenarioTest, FirstStartScansSecondTrustsTheCacheTouchRescans)
   EXPECT_EQ(fs::last_write_time(nanumData), dataTime);
   EXPECT_EQ(third->GetFontTable()->GetFontInfoCount(), table.GetFontInfoCount());
   EXPECT_EQ(third->GetFontIndex("NanumGothic"), nanum);
+
+  // A cache of another version is thrown away and rebuilt from the package.
+  const std::string header = "001613Table Version 2.054\n";
+  std::string text = readFile(cache + "Ftable");
+  ASSERT_EQ(text.compare(0, 26, header), 0);
+  ASSERT_TRUE(writeFile(cache + "Ftable", text.replace(20, 5, "1.000")));
+  ASSERT_TRUE(writeFile(cache + "Fdata/999", "stale"));
+  opens = qro_common::FontFileAnalyzer::GetOpenCount();
+  ManagerRig fourth = start(base, dirs());
+  EXPECT_EQ(qro_common::FontFileAnalyzer::GetOpenCount() - opens, unsigned(kScenarioFaceCount));
+  EXPECT_FALSE(fs::exists(cache + "Fdata/999"));
+  EXPECT_EQ(readFile(cache + "Ftable").compare(0, 26, header), 0);
+  EXPECT_EQ(fourth->GetFontTable()->GetFontInfoCount(), table.GetFontInfoCount());
 }
 
 TEST_F(FontManagerScenarioTest, AdvancesFallBackThroughChainsAndDefaults) {

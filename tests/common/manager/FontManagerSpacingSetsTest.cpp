@@ -39,7 +39,7 @@ TEST(FontManagerSpacingSetsTest, BoldBandsOfTheAdvanceRatioAdjustFonts) {
   };
   for (const Row& row : rows) {
     EXPECT_FLOAT_EQ(manager.AdjustAdvanceRatio(row.font, row.advance), row.expected)
-        << manager.GetFontName(row.font) << " " << row.advance;
+        << row.font << " " << row.advance;
   }
   EXPECT_TRUE(manager.IsAdjustSpacingFont(dotum));
   EXPECT_TRUE(manager.IsAdjustSpacingFont(gulimChe));
