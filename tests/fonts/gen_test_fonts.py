@@ -31,6 +31,9 @@ except cff.otf):
                         "KelTest Caf" 8E 20 DB ("KelTest Café €")
   macenc1.ttf           only family record: Mac Japanese (encoding 1),
                         language 11, Shift-JIS bytes 83 65 83 58 83 67
+  macother.ttf          family records: Mac Roman for Mac languages 60 (no
+                        Windows equivalent) and 200 (beyond the language
+                        table), then an ISO one (platform 2, language 0)
   macenc3.ttf           Mac Korean (encoding 3) family record, language 23,
                         then a Windows 0x0412 one
   winnames.ttf          Windows family names for 0x0409 and 0x0412
@@ -484,6 +487,13 @@ FONTS = [
     dict(file="macenc1.ttf", family="KelTest MacJapanese",
          names=[(1, 1, 1, 11, b"\x83\x65\x83\x58\x83\x67"), (2, 1, 1, 11, b"Regular")],
          glyphs=small_glyphs((0x20, 0x41, 0x42)), base=520, step=7),
+    # Mac Roman records for a Mac language without a Windows equivalent (60)
+    # and one beyond the language table (200): both land on 0xFFFF, the
+    # first wins; the ISO record keeps its language 0.
+    dict(file="macother.ttf", family="KelTest MacOther",
+         names=[(1, 1, 0, 60, b"KelTest Mac60"), (1, 1, 0, 200, b"KelTest Mac200"),
+                (1, 2, 0, 0, b"KelTest ISO"), (2, 1, 0, 60, b"Regular")],
+         glyphs=small_glyphs((0x20, 0x41, 0x42)), base=515, step=7),
     # Mac Korean (encoding 3), language 23 (Korean) in EUC-KR, followed by a
     # Windows Korean record: the Mac record must contribute nothing, so the
     # Windows one holds language 0x0412.

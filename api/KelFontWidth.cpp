@@ -1,0 +1,200 @@
+#include "api/KelFontWidth.h"
+
+#include <limits>
+#include <new>
+
+#include "base/FileUtils.h"
+#include "common/font_info/CharMetricsInfo.h"
+#include "common/font_info/FontInfo.h"
+#include "common/font_info/FontInfoSerializer.h"
+#include "common/font_info/KerningInfo.h"
+#include "common/registry/DataFileNames.h"
+#include "common/registry/FontTable.h"
+
+using qro_common::CharKey;
+using qro_common::CharMetrics;
+using qro_common::CharMetricsInfo;
+using qro_common::FontInfo;
+using qro_common::FontInfoSerializer;
+using qro_common::FontKey;
+using qro_common::FontTable;
+using qro_common::KerningInfo;
+
+namespace {
+
+// The fonts whose bold advances are corrected (UTF-8).
+const char* const kAdjustFontNames[] = {"굴림",      "돋움",     "바탕",       "궁서",
+                                        "다래바탕",  "다래돋움", "새굴림",     "휴먼고딕",
+                                        "휴먼모음T", "휴먼옛체", "휴먼매직체", "한양해서"};
+
+// Tables and serializers the facade creates live as long as the process:
+// after a later start-up the facade's caches still point into the table it
+// replaced. They are kept reachable here rather than dropped.
+template <typename T>
+void keepForProcess(T* object) {
+  static auto* kept = new std::vector<T*>();
+  kept->push_back(object);
+}
+
+// One row of the bold correction: advances in (above, upTo] lose
+// `correction`. Rows are tested in this order, so the bands come before the
+// open-ended rows.
+struct BoldCorrection {
+  float above;
+  float upTo;
+  float correction;
+};
+constexpr float kAny = -std::numeric_limits<float>::infinity();
+const BoldCorrection kBoldCorrections[] = {
+    {1000, 1050, 19}, {538, 588, 10},  {588, 640, 11},  {640, 690, 12},
+    {690, 750, 13},   {750, 800, 14},  {kAny, 280, 4},  {kAny, 330, 5},
+    {kAny, 385, 6},   {kAny, 433, 7},  {kAny, 488, 8},  {kAny, 538, 9},
+    {kAny, 850, 15},  {kAny, 900, 16}, {kAny, 950, 17}, {kAny, 1000, 18}};
+
+std::string pathOrEmpty(const char* path) { return path == nullptr ? std::string() : path; }
+
+}  // namespace
+
+CKelFontWidth::CKelFontWidth() = default;
+
+CKelFontWidth::~CKelFontWidth() = default;
+
+void CKelFontWidth::SetQrfontZipPath(const char* path) { programPath_ = pathOrEmpty(path); }
+
+void CKelFontWidth::SetExtractPath(const char* path) { extractPath_ = pathOrEmpty(path); }
+
+void CKelFontWidth::SetFontPath(const char* path) { fontPathList_.push_back(pathOrEmpty(path)); }
+
+int CKelFontWidth::InitFontInfoSerializer() {
+  if (extractPath_.empty()) return -2;
+  FontInfoSerializer* serializer = nullptr;
+  try {
+    serializer = new FontInfoSerializer(extractPath_);
+  } catch (const std::bad_alloc&) {
+    return -2;
+  }
+  // The serializer creates its folders on construction; without them it
+  // can neither read nor write anything.
+  std::string dataDirectory = extractPath_ + qro_common::getFontInfoStorageName() +
+                              qro_common::getFontInfoDataDirectoryName();
+  if (!qro_base::isFileExists(dataDirectory.c_str())) {
+    delete serializer;
+    return -2;
+  }
+  keepForProcess(serializer);
+  serializer_ = serializer;
+  return 0;
+}
+
+int CKelFontWidth::InitFontTable() {
+  if (serializer_ == nullptr) return -3;
+  FontTable* table = nullptr;
+  try {
+    table = new FontTable();
+  } catch (const std::bad_alloc&) {
+    return -3;
+  }
+  keepForProcess(table);
+  fontTable_ = table;
+  // A missing or damaged cache leaves the table empty; every query then
+  // answers -1.
+  fontTable_->LoadFontInfo(*serializer_);
+  return 0;
+}
+
+void CKelFontWidth::InitializeAdvanceRatioAdjustFontSet() {
+  for (const char* name : kAdjustFontNames) adjustFontSet_.insert(GetFontIndex(name));
+}
+
+int CKelFontWidth::GetFontIndex(const char* fontName) {
+  if (fontTable_ == nullptr || fontName == nullptr) return -1;
+  return fontTable_->GetFontIndex(fontName);
+}
+
+float CKelFontWidth::AdjustAdvanceRatio(int fontIndex, float x) {
+  if (adjustFontSet_.find(fontIndex) == adjustFontSet_.end()) return x;
+  for (const BoldCorrection& row : kBoldCorrections) {
+    if (x > row.above && x <= row.upTo) return x - row.correction;
+  }
+  return x - 20;  // above 1050: only one more than the band below
+}
+
+FontInfo* CKelFontWidth::_GetFontInfo(int fontIndex, const bool& bold, const bool& italic) {
+  const FontKey key{fontIndex, bold, italic};
+  auto it = fontInfoCache_.lower_bound(key);
+  if (it != fontInfoCache_.end() && !(key < it->first)) return it->second;
+  if (fontTable_ == nullptr) return nullptr;
+  FontInfo* info = fontTable_->GetFontInfo(fontIndex, bold, italic, true);
+  if (info != nullptr) fontInfoCache_.emplace_hint(it, key, info);
+  return info;
+}
+
+bool CKelFontWidth::LoadCharMetrics(FontInfo& info) {
+  if (loaded_.size() > kMaxLoadedBeforeEviction) {
+    FontInfo* oldest = loaded_.front();
+    oldest->SetCharMetricsInfo(nullptr);
+    oldest->SetKerningInfo(nullptr);
+    loaded_.pop_front();
+  }
+  if (serializer_ == nullptr || !serializer_->ReadData(info)) return false;
+  // A data file with kerning only: the face has no advances at all.
+  if (info.GetCharMetricsInfo() == nullptr) info.SetCharMetricsInfo(new CharMetricsInfo());
+  loaded_.push_back(&info);
+  return true;
+}
+
+int CKelFontWidth::GetFontCharInfo(int fontIndex, int ch, const bool& bold, const bool& italic,
+                                   int& advance) {
+  if (fontTable_ == nullptr || fontIndex >= fontTable_->GetFontCount()) return -1;
+  // An answered key always has its face remembered, so the advance cache
+  // can be asked before the face is looked up.
+  const CharKey key{static_cast<std::uint32_t>(ch), fontIndex, bold, italic};
+  auto hit = resultCache_.find(key);
+  if (hit != resultCache_.end()) {
+    advance = hit->second;
+    return 0;
+  }
+
+  FontInfo* info = _GetFontInfo(fontIndex, bold, italic);
+  if (info == nullptr) return -4;
+  if (info->GetCharMetricsInfo() == nullptr && !LoadCharMetrics(*info)) return -5;
+  const CharMetrics* metrics = info->GetCharMetricsInfo()->GetCharMetrics(key.code);
+  if (metrics == nullptr) {
+    advance = 0;
+    return -6;
+  }
+  int value = metrics->GetAdvance();
+  if (bold) value = static_cast<int>(AdjustAdvanceRatio(fontIndex, static_cast<float>(value)));
+  resultCache_.emplace(key, value);
+  advance = value;
+  return 0;
+}
+
+int CKelFontWidth::GetKerningInfo(int fontIndex, const bool& bold, const bool& italic, int first,
+                                  int second, int& delta) {
+  if (fontTable_ == nullptr || fontIndex >= fontTable_->GetFontCount()) return -1;
+  FontInfo* info = _GetFontInfo(fontIndex, bold, italic);
+  if (info == nullptr) return -4;
+  if (info->GetKerningInfo() == nullptr) {
+    if (serializer_ == nullptr || !serializer_->ReadData(*info)) return -5;
+    // A data file without kerning: remember that the face has no pairs
+    // rather than reading the file again for every pair.
+    if (info->GetKerningInfo() == nullptr) info->SetKerningInfo(new KerningInfo());
+  }
+  delta = info->GetKerningInfo()->GetDelta(first, second);
+  return 0;
+}
+
+int CKelFontWidth::GetFontEmSquareFUnit(int fontIndex, const bool& bold, const bool& italic,
+                                        int& emSquare) {
+  if (fontTable_ == nullptr || fontIndex >= fontTable_->GetFontCount()) return -1;
+  const FontInfo* info = _GetFontInfo(fontIndex, bold, italic);
+  if (info == nullptr) return -4;
+  if (info->GetFontMetrics() == nullptr) return -7;
+  emSquare = info->GetFontMetrics()->GetUnitsPerEm();
+  return 0;
+}
+
+void CKelFontWidth::ClearKelFontCacheInfo() {
+  if (fontTable_ != nullptr) fontTable_->ClearCacheInfo();
+}

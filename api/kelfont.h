@@ -1,0 +1,57 @@
+#pragma once
+// libkelfont: everything a host program calls. Include this header alone
+// and link libkelfont.
+//
+// Every entry point is a free function in the global namespace (C++
+// linkage). Status codes: 0 success; -1 not initialised or font index out
+// of range; -2 cache serializer could not be created; -3 font table could
+// not be created; -4 no face for the font index and style; -5 the face's
+// cache data could not be read; -6 character not in the font; -7 no
+// metrics. Results are delivered through the reference arguments.
+
+#include <ctime>
+
+// ---------------------------------------------------------------------------
+// Font widths from an existing font information cache.
+//
+// InitKelFont reads the cache under `extractPath` ("FInfo/" there); it never
+// scans fonts. A failed start-up is final for the process: later calls skip
+// the start-up and report the same status. Queries are not thread-safe:
+// call this family from one thread at a time.
+// ---------------------------------------------------------------------------
+
+class CKelFontWidth;
+
+// The facade behind the functions below; null before InitKelFont, after
+// UnInitKelFont and after a failed start-up.
+extern CKelFontWidth* gKelFontWidth;
+// 0 when initialised or not yet tried; otherwise the failed step's status.
+extern int gKelFontInitStatus;
+// clock() at the start of the last GetKerningInfo call, and once its facade
+// check passed.
+extern std::clock_t startTime;
+extern std::clock_t endTime;
+
+// Starts the facade (or reuses the existing one) on the cache under
+// `extractPath` (a folder path ending in "/"). Prints "InitExtracter
+// success" on standard output. Returns the resulting gKelFontInitStatus.
+int InitKelFont(const char* qrfontZipPath, const char* extractPath, const char* fontPath);
+// Destroys the facade; the status stays as it is.
+void UnInitKelFont();
+// gKelFontInitStatus: 0, or -2 / -3 after a failed start-up.
+int IsKelFontInitialized();
+// Font index of a font name or localized name (UTF-8); -1 when unknown or
+// not initialised.
+int GetFontIndex(const char* fontName);
+// Advance of character `ch` in font design units, corrected for bold in a
+// few Korean fonts.
+int GetFontCharInfo(int fontIndex, int ch, const bool& bold, const bool& italic, int& advance);
+// Units per em of the font.
+int GetFontEmSquareFUnit(int fontIndex, const bool& bold, const bool& italic, int& emSquare);
+// Kerning delta between `first` and `second` in font design units (0 for a
+// pair without kerning).
+int GetKerningInfo(int fontIndex, const bool& bold, const bool& italic, int first, int second,
+                   int& delta);
+// Drops the loaded per-character and kerning data; answers already given
+// stay cached.
+void ClearKelFontCacheInfo();

@@ -1,0 +1,456 @@
+#include "common/analysis/FontFileAnalyzer.h"
+
+#include FT_SFNT_NAMES_H
+#include FT_TRUETYPE_IDS_H
+#include FT_TRUETYPE_TAGS_H
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+
+#include "base/FileInputStream.h"
+#include "common/analysis/FontUtils.h"
+#include "common/font_info/CharMetricsInfo.h"
+#include "common/font_info/DefaultFontInfo.h"
+#include "common/font_info/FontInfo.h"
+#include "common/font_info/KerningInfo.h"
+#include "common/font_info/MultiCharMetricsRange.h"
+#include "common/font_info/MultiDefaultFontRange.h"
+#include "common/font_info/SingleCharMetricsRange.h"
+#include "common/font_info/SingleDefaultFontRange.h"
+#include "common/registry/UILangCode.h"
+
+namespace qro_common {
+namespace {
+
+constexpr int kEnglishUnitedStates = 1033;
+constexpr unsigned short kUnitsPerEmWithoutHead = 1024;
+constexpr FT_ULong kFirstKerningChar = 32;  // printable ASCII, 32..126
+constexpr int kKerningCharCount = 95;
+
+// Unicode-range bit 28 (Hangul Jamo) of word 1.
+constexpr unsigned kEastAsianUnicodeRange1 = 1u << 28;
+// Bits 49, 50, 52, 54, 55, 56, 59, 61: kana, Hangul compatibility jamo and
+// syllables, enclosed CJK, CJK compatibility and ideographs.
+constexpr unsigned kEastAsianUnicodeRange2 = 0x29D60000u;
+// Code pages 932, 936, 949, 950 and 1361.
+constexpr unsigned kEastAsianCodePages1 = 0x003E0000u;
+
+bool isEastAsian(const Sig& sig) {
+  return (sig.GetUnicodeRange(1) & kEastAsianUnicodeRange1) != 0 ||
+         (sig.GetUnicodeRange(2) & kEastAsianUnicodeRange2) != 0 ||
+         (sig.GetCodePageRange(1) & kEastAsianCodePages1) != 0;
+}
+
+unsigned nonZero(FT_ULong word) {
+  const unsigned value = static_cast<unsigned>(word);
+  return value != 0 ? value : 1u;
+}
+
+// The single range that holds the block of the classified code point,
+// created (with its multi range) when missing; null when the slots do not
+// fit the classification.
+SingleCharMetricsRange* blockRange(CharMetricsInfo& table, const FontUSBType::CodePointUSBInfo& c) {
+  CharMetricsRange* range = table.GetCharMetricsRange(c.usbType);
+  if (range == nullptr) {
+    if (c.subRangeIndex >= 0) {
+      range = new MultiCharMetricsRange(c.subRangeCount);
+    } else {
+      range = new SingleCharMetricsRange(c.rangeFirst, c.rangeLast);
+    }
+    table.SetCharMetricsRange(c.usbType, range);
+  }
+  if (c.subRangeIndex >= 0) {
+    if (range->GetType() != CharMetricsRange::kMulti) return nullptr;
+    auto* multi = static_cast<MultiCharMetricsRange*>(range);
+    if (c.subRangeIndex >= multi->GetCount()) return nullptr;
+    range = multi->GetCharMetricsRange(c.subRangeIndex);
+    if (range == nullptr) {
+      range = new SingleCharMetricsRange(c.rangeFirst, c.rangeLast);
+      multi->SetCharMetricsRange(c.subRangeIndex, range);
+    }
+  }
+  if (range->GetType() != CharMetricsRange::kSingle) return nullptr;
+  return static_cast<SingleCharMetricsRange*>(range);
+}
+
+// The same for the default-font map.
+SingleDefaultFontRange* blockRange(DefaultFontInfo& table, const FontUSBType::CodePointUSBInfo& c) {
+  DefaultFontRange* range = table.GetDefaultFontRange(c.usbType);
+  if (range == nullptr) {
+    if (c.subRangeIndex >= 0) {
+      range = new MultiDefaultFontRange(c.subRangeCount);
+    } else {
+      range = new SingleDefaultFontRange(c.rangeFirst, c.rangeLast);
+    }
+    table.SetDefaultFontRange(c.usbType, range);
+  }
+  if (c.subRangeIndex >= 0) {
+    if (range->GetType() != DefaultFontRange::kMulti) return nullptr;
+    auto* multi = static_cast<MultiDefaultFontRange*>(range);
+    if (c.subRangeIndex >= multi->GetCount()) return nullptr;
+    range = multi->GetDefaultFontRange(c.subRangeIndex);
+    if (range == nullptr) {
+      range = new SingleDefaultFontRange(c.rangeFirst, c.rangeLast);
+      multi->SetDefaultFontRange(c.subRangeIndex, range);
+    }
+  }
+  if (range->GetType() != DefaultFontRange::kSingle) return nullptr;
+  return static_cast<SingleDefaultFontRange*>(range);
+}
+
+}  // namespace
+
+FontFileAnalyzer::FontFileAnalyzer() {
+  libraryReady_ = FT_Init_FreeType(&library_) == 0;
+  if (!libraryReady_) library_ = nullptr;
+  preferredLanguage_ = getUILangCode();
+}
+
+FontFileAnalyzer::~FontFileAnalyzer() {
+  Close();
+  if (library_ != nullptr) FT_Done_FreeType(library_);
+}
+
+bool FontFileAnalyzer::Open(const char* path, int faceIndex) {
+  Close();
+  if (!libraryReady_ || path == nullptr || faceIndex < 0) return false;
+  {
+    qro_base::FileInputStream file(path);
+    fileSize_ = static_cast<int>(file.Available());
+    file.Close();
+  }
+  FT_Face face = nullptr;
+  if (FT_New_Face(library_, path, faceIndex, &face) != 0) return false;
+  faceCount_ = static_cast<unsigned char>(face->num_faces);
+  const auto* os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
+  if (os2 == nullptr) {
+    FT_Done_Face(face);
+    return false;
+  }
+  face_ = face;
+  os2_ = os2;
+  isOpen_ = true;
+  return true;
+}
+
+void FontFileAnalyzer::Close() {
+  if (!isOpen_) return;
+  FT_Done_Face(face_);
+  face_ = nullptr;
+  os2_ = nullptr;
+  isOpen_ = false;
+}
+
+FontInfo* FontFileAnalyzer::Analyze() {
+  if (!isOpen_) return nullptr;
+  auto info = std::make_unique<FontInfo>();
+  info->SetFileSize(fileSize_);
+  if (face_->style_name != nullptr) info->SetStyleName(new std::string(face_->style_name));
+  if (face_->family_name != nullptr) info->SetFamilyName(new std::string(face_->family_name));
+  if (FT_Get_Sfnt_Table(face_, FT_SFNT_VHEA) != nullptr) info->SetVerticalMetrics(true);
+  ReadPitch(*info);
+  if (Panose* panose = MakePanose(os2_)) info->SetPanose(panose);
+  if (Sig* sig = MakeSig(os2_)) {
+    info->SetSig(sig);
+    info->SetCJK(isEastAsian(*sig));
+  }
+
+  std::map<int, std::string>& names = info->GetLocalizedNames();
+  ReadLocalizedNames(names);
+  auto chosen = names.find(kEnglishUnitedStates);
+  if (chosen == names.end()) chosen = names.find(preferredLanguage_);
+  if (chosen == names.end()) chosen = names.begin();
+  if (chosen != names.end()) {
+    info->SetFontName(new std::string(chosen->second));
+  } else {
+    info->SetFontName(new std::string(face_->family_name != nullptr ? face_->family_name : ""));
+  }
+
+  info->SetFontMetrics(MakeFontMetrics(os2_));
+  return info.release();
+}
+
+void FontFileAnalyzer::ReadPitch(FontInfo& info) const {
+  // FreeType hands out a zero-filled post record for fonts without one, so
+  // the table directory decides whether there is one.
+  if (HasTable(TTAG_post)) {
+    const auto* post = static_cast<const TT_Postscript*>(FT_Get_Sfnt_Table(face_, FT_SFNT_POST));
+    info.SetPitch(post != nullptr && post->isFixedPitch != 0 ? 1 : 2);
+    return;
+  }
+  // The PCLT pitch is the width of the space, so practically every such
+  // font comes out as fixed pitch; that is the rule.
+  const auto* pclt = static_cast<const TT_PCLT*>(FT_Get_Sfnt_Table(face_, FT_SFNT_PCLT));
+  if (pclt != nullptr) info.SetPitch(pclt->Pitch != 0 ? 1 : 2);
+}
+
+void FontFileAnalyzer::ReadLocalizedNames(std::map<int, std::string>& names) const {
+  unsigned short units[kNameBufferSize / 2];
+  char text[kNameBufferSize];
+  std::memset(units, 0, sizeof units);
+  std::memset(text, 0, sizeof text);
+
+  const FT_UInt count = FT_Get_Sfnt_Name_Count(face_);
+  for (FT_UInt index = 0; index < count; ++index) {
+    FT_SfntName record;
+    if (FT_Get_Sfnt_Name(face_, index, &record) != 0) continue;
+    if (record.name_id != TT_NAME_ID_FONT_FAMILY) continue;
+    int language = record.language_id;
+    if (names.find(language) != names.end()) continue;
+    std::memset(units, 0, sizeof units);
+    std::memset(text, 0, sizeof text);
+    const FT_Byte* bytes = record.string;
+    const FT_UInt length = bytes != nullptr ? record.string_len : 0;
+
+    switch (record.platform_id) {
+      case TT_PLATFORM_APPLE_UNICODE:
+      case TT_PLATFORM_MICROSOFT: {
+        // Big-endian UTF-16; the last unit of the buffer stays 0.
+        FT_UInt unitCount = length / 2;
+        if (unitCount > kNameBufferSize / 2 - 1) unitCount = kNameBufferSize / 2 - 1;
+        for (FT_UInt i = 0; i < unitCount; ++i) {
+          units[i] = static_cast<unsigned short>(bytes[2 * i] << 8 | bytes[2 * i + 1]);
+        }
+        ConvertU2ToUtf8(text, sizeof text, units);
+        if (record.platform_id == TT_PLATFORM_APPLE_UNICODE &&
+            record.encoding_id == TT_APPLE_ID_UNICODE_2_0) {
+          language = FontUtils::GetWinLangFromMac(static_cast<unsigned>(language));
+        }
+        names.emplace(language, std::string(text));
+        break;
+      }
+      case TT_PLATFORM_MACINTOSH:
+      case TT_PLATFORM_ISO: {
+        if (record.platform_id == TT_PLATFORM_MACINTOSH) {
+          language = FontUtils::GetWinLangFromMac(static_cast<unsigned>(language));
+        }
+        if (record.encoding_id == TT_MAC_ID_KOREAN) break;
+        if (record.encoding_id == TT_MAC_ID_ROMAN) {
+          FT_UInt unitCount = 0;
+          while (unitCount < length && unitCount < kNameBufferSize / 2 - 1) {
+            const unsigned short unit = FontUtils::MacRomanEnc[bytes[unitCount]];
+            if (unit == 0) break;
+            units[unitCount++] = unit;
+          }
+          // Mac Roman yields no surrogates, so this is the plain UTF-16 to
+          // UTF-8 conversion, bounded by the buffer.
+          ConvertU2ToUtf8(text, sizeof text, units);
+        } else {
+          // Any other encoding: the bytes as they are, up to a 0 byte.
+          FT_UInt byteCount = 0;
+          while (byteCount < length && byteCount < kNameBufferSize - 1 && bytes[byteCount] != 0) {
+            text[byteCount] = static_cast<char>(bytes[byteCount]);
+            ++byteCount;
+          }
+        }
+        names.emplace(language, std::string(text));
+        break;
+      }
+      default:
+        break;
+    }
+  }
+}
+
+void FontFileAnalyzer::AnalyzeData(FontInfo& info) {
+  if (!isOpen_) return;
+  AnalyzeCharMetricsInfo(info);
+  AnalyzeKerningInfo(info);
+}
+
+void FontFileAnalyzer::ResetScratch() {
+  scratch_.usbType = FontUSBType::kNoBit;
+  scratch_.subRangeIndex = -1;
+  scratch_.rangeFirst = -1;
+  scratch_.rangeLast = 0;
+  scratch_.subRangeCount = -1;
+}
+
+FT_ULong FontFileAnalyzer::FirstChar(FT_UInt* glyph) {
+  *glyph = 0;
+  FT_Select_Charmap(face_, FT_ENCODING_UNICODE);
+  FT_ULong code = FT_Get_First_Char(face_, glyph);
+  if (*glyph == 0) {
+    FT_Select_Charmap(face_, FT_ENCODING_MS_SYMBOL);
+    code = FT_Get_First_Char(face_, glyph);
+  }
+  return code;
+}
+
+bool FontFileAnalyzer::Classify(FT_ULong code) {
+  if (code > UINT32_MAX) return false;
+  const int bit = FontUSBType::GetCodePointUSBInfo(static_cast<unsigned>(code), scratch_);
+  if (bit != 127 && (bit >= 123 || bit == 57)) return false;
+  // A code point that lies in no block of its bit has no entry to take it.
+  return scratch_.rangeFirst >= 0 && scratch_.rangeFirst <= scratch_.rangeLast;
+}
+
+bool FontFileAnalyzer::LoadAdvance(FT_UInt glyph, unsigned short* advance) {
+  if (FT_Load_Glyph(face_, glyph, FT_LOAD_NO_SCALE) != 0) return false;
+  *advance = static_cast<unsigned short>(face_->glyph->metrics.horiAdvance & 0xFFFF);
+  return true;
+}
+
+void FontFileAnalyzer::AnalyzeCharMetricsInfo(FontInfo& info) {
+  if (!isOpen_) return;
+  ResetScratch();
+  FT_UInt glyph = 0;
+  FT_ULong code = FirstChar(&glyph);
+  if (glyph == 0) return;
+  auto table = std::make_unique<CharMetricsInfo>();
+  for (; glyph != 0; code = FT_Get_Next_Char(face_, code, &glyph)) {
+    if (!Classify(code)) continue;
+    unsigned short advance = 0;
+    if (!LoadAdvance(glyph, &advance)) continue;
+    if (SingleCharMetricsRange* range = blockRange(*table, scratch_)) {
+      range->SetAdvance(static_cast<unsigned>(code), advance);
+    }
+  }
+  info.SetCharMetricsInfo(table.release());
+}
+
+void FontFileAnalyzer::AnalyzeKerningInfo(FontInfo& info) {
+  if (!isOpen_ || !FT_HAS_KERNING(face_)) return;
+  FT_UInt glyphs[kKerningCharCount];
+  for (int i = 0; i < kKerningCharCount; ++i) {
+    glyphs[i] = FT_Get_Char_Index(face_, kFirstKerningChar + i);
+    if (glyphs[i] == 0) return;
+  }
+  // At one pixel per font unit the 26.6 values are font units times 64.
+  // A face that cannot take that size is asked for its unscaled values.
+  FT_UInt mode = FT_KERNING_UNFITTED;
+  int shift = 6;
+  if (FT_Set_Pixel_Sizes(face_, 0, face_->units_per_EM) != 0) {
+    mode = FT_KERNING_UNSCALED;
+    shift = 0;
+  }
+  auto kerning = std::make_unique<KerningInfo>();
+  int registered = 0;
+  for (int left = 0; left < kKerningCharCount; ++left) {
+    for (int right = 0; right < kKerningCharCount; ++right) {
+      FT_Vector delta;
+      if (FT_Get_Kerning(face_, glyphs[left], glyphs[right], mode, &delta) != 0) continue;
+      if (delta.x == 0) continue;
+      kerning->Register(static_cast<int>(kFirstKerningChar) + left,
+                        static_cast<int>(kFirstKerningChar) + right,
+                        static_cast<short>(delta.x >> shift));
+      ++registered;
+    }
+  }
+  if (registered > 0) info.SetKerningInfo(kerning.release());
+}
+
+void FontFileAnalyzer::ApplyDefaultFontInfo(int fontIndex, DefaultFontInfo& defaultFontInfo) {
+  if (fontIndex < 0 || !isOpen_) return;
+  ResetScratch();
+  FT_UInt glyph = 0;
+  FT_ULong code = FirstChar(&glyph);
+  for (; glyph != 0; code = FT_Get_Next_Char(face_, code, &glyph)) {
+    if (!Classify(code)) continue;
+    if (SingleDefaultFontRange* range = blockRange(defaultFontInfo, scratch_)) {
+      range->Set(static_cast<unsigned>(code), static_cast<short>(fontIndex));
+    }
+  }
+}
+
+float FontFileAnalyzer::GetGlyphAdvance(unsigned short glyph) {
+  if (!isOpen_ || FT_Load_Glyph(face_, glyph, FT_LOAD_NO_SCALE) != 0) return 0.0f;
+  return static_cast<float>(face_->glyph->metrics.horiAdvance);
+}
+
+bool FontFileAnalyzer::HasTable(FT_ULong tag) const {
+  FT_ULong length = 0;
+  return face_ != nullptr && FT_Load_Sfnt_Table(face_, tag, 0, nullptr, &length) == 0;
+}
+
+FontMetrics* FontFileAnalyzer::MakeFontMetrics(const TT_OS2* os2) {
+  auto* metrics = new FontMetrics();
+  // FreeType always hands out a header record for an sfnt face; whether the
+  // font has a `head` table is a question for the table directory.
+  const auto* head = HasTable(TTAG_head)
+                         ? static_cast<const TT_Header*>(FT_Get_Sfnt_Table(face_, FT_SFNT_HEAD))
+                         : nullptr;
+  if (head != nullptr) {
+    metrics->SetUnitsPerEm(head->Units_Per_EM);
+    const auto* hhea =
+        HasTable(TTAG_hhea)
+            ? static_cast<const TT_HoriHeader*>(FT_Get_Sfnt_Table(face_, FT_SFNT_HHEA))
+            : nullptr;
+    if (hhea != nullptr) {
+      metrics->SetAscender(hhea->Ascender);
+      metrics->SetDescender(hhea->Descender);
+      metrics->SetLineGap(hhea->Line_Gap);
+    }
+  } else {
+    metrics->SetUnitsPerEm(kUnitsPerEmWithoutHead);
+    if (os2 != nullptr) {
+      metrics->SetAscender(os2->sTypoAscender);
+      metrics->SetDescender(os2->sTypoDescender);
+      metrics->SetLineGap(os2->sTypoLineGap);
+    }
+  }
+  return metrics;
+}
+
+Panose* FontFileAnalyzer::MakePanose(const TT_OS2* os2) {
+  if (os2 == nullptr) return nullptr;
+  auto* panose = new Panose();
+  for (int i = 0; i < Panose::kSize; ++i) panose->Set(i, os2->panose[i]);
+  return panose;
+}
+
+Sig* FontFileAnalyzer::MakeSig(const TT_OS2* os2) {
+  if (os2 == nullptr) return nullptr;
+  // A font that declares no range still claims bit 0 (Basic Latin, 1252).
+  return new Sig(nonZero(os2->ulUnicodeRange1), nonZero(os2->ulUnicodeRange2),
+                 nonZero(os2->ulUnicodeRange3), nonZero(os2->ulUnicodeRange4),
+                 nonZero(os2->ulCodePageRange1), nonZero(os2->ulCodePageRange2));
+}
+
+CharMetricsInfo* FontFileAnalyzer::MakeCharMetricsInfo() { return nullptr; }
+
+char* FontFileAnalyzer::ConvertU2ToUtf8(char* out, const unsigned short* in) {
+  ConvertU2ToUtf8(out, SIZE_MAX, in);
+  return out;
+}
+
+std::size_t FontFileAnalyzer::ConvertU2ToUtf8(char* out, std::size_t outSize,
+                                              const unsigned short* in) {
+  if (out == nullptr || outSize == 0) return 0;
+  const std::size_t room = outSize - 1;
+  std::size_t written = 0;
+  for (; in != nullptr && *in != 0; ++in) {
+    const unsigned unit = *in;
+    unsigned char bytes[4];
+    std::size_t count;
+    if (unit < 0x80) {
+      bytes[0] = static_cast<unsigned char>(unit);
+      count = 1;
+    } else if (unit < 0x800) {
+      bytes[0] = static_cast<unsigned char>(0xC0 | unit >> 6);
+      bytes[1] = static_cast<unsigned char>(0x80 | (unit & 0x3F));
+      count = 2;
+    } else if (unit >= 0xD800 && unit <= 0xDBFF && in[1] >= 0xDC00 && in[1] <= 0xDFFF) {
+      // The pair's code point; the low surrogate follows on its own below.
+      const unsigned code = 0x10000 + ((unit - 0xD800) << 10) + (in[1] - 0xDC00u);
+      bytes[0] = static_cast<unsigned char>(0xF0 | code >> 18);
+      bytes[1] = static_cast<unsigned char>(0x80 | (code >> 12 & 0x3F));
+      bytes[2] = static_cast<unsigned char>(0x80 | (code >> 6 & 0x3F));
+      bytes[3] = static_cast<unsigned char>(0x80 | (code & 0x3F));
+      count = 4;
+    } else {
+      bytes[0] = static_cast<unsigned char>(0xE0 | unit >> 12);
+      bytes[1] = static_cast<unsigned char>(0x80 | (unit >> 6 & 0x3F));
+      bytes[2] = static_cast<unsigned char>(0x80 | (unit & 0x3F));
+      count = 3;
+    }
+    if (count > room - written) break;
+    std::memcpy(out + written, bytes, count);
+    written += count;
+  }
+  out[written] = '\0';
+  return written;
+}
+
+}  // namespace qro_common

@@ -1,0 +1,133 @@
+#pragma once
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+#include FT_TRUETYPE_TABLES_H
+
+#include <cstddef>
+#include <map>
+#include <string>
+
+#include "base/NonCopyable.h"
+#include "common/analysis/FontUSBType.h"
+
+namespace qro_common {
+
+class CharMetricsInfo;
+class DefaultFontInfo;
+class FontInfo;
+class FontMetrics;
+class Panose;
+class Sig;
+
+// Turns one face of a font file (TrueType, OpenType, or one face of a
+// collection) into font information, reading the file through FreeType
+// only. Use: Open(path, face), Analyze() for the names, flags and global
+// metrics, ApplyDefaultFontInfo() and AnalyzeData() as needed, Close().
+// One analyzer owns one FreeType library and serves one thread at a time.
+// Nothing is logged; a file that FreeType cannot read, or a face without an
+// OS/2 table, makes Open() fail.
+class FontFileAnalyzer : public qro_base::NonCopyable {
+ public:
+  // Size of each of the two working buffers of name conversion, in bytes;
+  // longer family names are cut at a code-unit boundary.
+  static constexpr std::size_t kNameBufferSize = 2048;
+
+  // Creates the FreeType library. The preferred language for the font name
+  // is the user-interface language (getUILangCode()).
+  FontFileAnalyzer();
+  // Releases an open face, then the library.
+  virtual ~FontFileAnalyzer();
+
+  // Opens face `faceIndex` of the file at `path`. False when the library
+  // is not ready, FreeType cannot open the face, the face has no OS/2 table
+  // or the index is negative. An open face is closed first.
+  bool Open(const char* path, int faceIndex);
+  // Releases the open face; nothing when none is open.
+  void Close();
+
+  // A new FontInfo (the caller owns it) with file size, style and family
+  // name, vertical and pitch flags, PANOSE, signature and East Asian flag,
+  // localized family names, font name and global metrics; null when no
+  // face is open. Advances and kerning are left to AnalyzeData().
+  FontInfo* Analyze();
+  // AnalyzeCharMetricsInfo() then AnalyzeKerningInfo(); nothing when no
+  // face is open.
+  void AnalyzeData(FontInfo& info);
+  // Installs a new advance table in `info`: the unscaled advance of every
+  // character of the Unicode map (or, when that is empty, of the symbol
+  // map) whose glyph loads and whose Unicode-range bit is stored (127, or
+  // below 123 and not 57). Nothing changes when neither map has a
+  // character.
+  void AnalyzeCharMetricsInfo(FontInfo& info);
+  // Installs a new kerning table in `info` holding every non-zero kerning
+  // value, in font units, between two printable ASCII characters (32 to
+  // 126). Nothing changes when the face has no kerning, when one of these
+  // characters has no glyph, or when no pair has a value.
+  void AnalyzeKerningInfo(FontInfo& info);
+  // Records `fontIndex` for every code point the face maps (same maps and
+  // filter as AnalyzeCharMetricsInfo); nothing for a negative index.
+  void ApplyDefaultFontInfo(int fontIndex, DefaultFontInfo& defaultFontInfo);
+  // Horizontal advance of `glyph` in font units; 0 when no face is open or
+  // the glyph does not load.
+  float GetGlyphAdvance(unsigned short glyph);
+
+  // New records made from an OS/2 table (the caller owns them). Metrics:
+  // units per em from `head` and ascender, descender and line gap from
+  // `hhea` (0 without `hhea`); without `head`, 1024 and the OS/2
+  // typographic values. PANOSE and signature are null for a null table; in
+  // the signature each of the six range words that is 0 becomes 1.
+  FontMetrics* MakeFontMetrics(const TT_OS2* os2);
+  Panose* MakePanose(const TT_OS2* os2);
+  Sig* MakeSig(const TT_OS2* os2);
+  // Always null.
+  CharMetricsInfo* MakeCharMetricsInfo();
+
+  // UTF-16 (zero-terminated) to UTF-8 in `out`, zero-terminated; returns
+  // `out`. Units below 0x800 take one or two bytes, a surrogate pair its
+  // four-byte code point, every other unit three bytes (a lone surrogate
+  // too). The input advances one unit at a time, so the low surrogate of a
+  // pair is written again as its own three bytes after the pair: this
+  // output is relied on as it is. `out` must have room for the result.
+  static char* ConvertU2ToUtf8(char* out, const unsigned short* in);
+  // The same writing at most outSize bytes, the terminator included; the
+  // output ends before the first unit whose bytes would not fit. Returns
+  // the number of bytes written before the terminator. Nothing is written
+  // when outSize is 0.
+  static std::size_t ConvertU2ToUtf8(char* out, std::size_t outSize, const unsigned short* in);
+
+  bool IsOpen() const { return isOpen_; }
+  // Number of faces in the opened file, as FreeType reports it, in 8 bits.
+  unsigned char GetFaceCount() const { return faceCount_; }
+  // Size of the file given to the last Open() (0 when unreadable).
+  int GetFileSize() const { return fileSize_; }
+  // Second choice for the font name after 1033 (English, United States).
+  unsigned short GetPreferredLanguage() const { return preferredLanguage_; }
+  void SetPreferredLanguage(unsigned short language) { preferredLanguage_ = language; }
+
+ private:
+  // Selects the Unicode map, or the symbol map when the Unicode map has no
+  // character; returns the first code point and sets *glyph (0 when
+  // neither map has one).
+  FT_ULong FirstChar(FT_UInt* glyph);
+  // Classifies `code` into scratch_; false when it is not stored.
+  bool Classify(FT_ULong code);
+  void ResetScratch();
+  // Unscaled horizontal advance of `glyph`; false when it does not load.
+  bool LoadAdvance(FT_UInt glyph, unsigned short* advance);
+  bool HasTable(FT_ULong tag) const;
+  void ReadPitch(FontInfo& info) const;
+  void ReadLocalizedNames(std::map<int, std::string>& names) const;
+
+  FT_Library library_ = nullptr;
+  FT_Face face_ = nullptr;
+  const TT_OS2* os2_ = nullptr;
+  unsigned short preferredLanguage_ = 1033;
+  unsigned char faceCount_ = 0;
+  int fileSize_ = 0;
+  bool libraryReady_ = false;
+  bool isOpen_ = false;
+  FontUSBType::CodePointUSBInfo scratch_{};
+};
+
+}  // namespace qro_common

@@ -1,0 +1,254 @@
+#include "common/registry/FontTable.h"
+
+#include <array>
+
+#include "common/font_info/FontInfo.h"
+#include "common/font_info/FontInfoSerializer.h"
+#include "common/registry/StyledFontInfoList.h"
+
+namespace qro_common {
+
+namespace {
+
+constexpr const char* kExtraBold = "ExtraBold";
+
+bool containsExtraBold(const std::string& text) {
+  return text.find(kExtraBold) != std::string::npos;
+}
+
+// Names of fonts whose characters below 256 live at U+F000 + c.
+const std::array<const char*, 16>& symbolFontNames() {
+  static const std::array<const char*, 16> names = {
+      "Symbol",           "Webdings",         "Wingdings",          "Wingdings 2",
+      "Wingdings 3",      "Ilex Symbol",      "Ilex Webdings",      "Ilex Wingdings",
+      "Ilex Wingdings 2", "Ilex Wingdings 3", "Ilex Web",           "Ilex Wings",
+      "Ilex Wing2",       "Ilex Wing3",       "Bookshelf Symbol 7", "MT Extra"};
+  return names;
+}
+
+}  // namespace
+
+FontTable::FontTable() {
+  auto* items = new Storage<Font>::Items();
+  items->reserve(kInitialFontCapacity);
+  fonts_.Init(items);
+}
+
+FontTable::~FontTable() {
+  for (auto& entry : styledLists_) delete entry.second;
+  for (FontInfo* info : infos_) delete info;
+}
+
+FontInfo* FontTable::GetFontInfo(int infoIndex) const {
+  if (infoIndex < 0 || infoIndex >= GetFontInfoCount()) return nullptr;
+  return infos_[static_cast<size_t>(infoIndex)];
+}
+
+Font* FontTable::GetFont(int fontIndex) {
+  if (fontIndex < 0 || fontIndex >= GetFontCount()) return nullptr;
+  return fonts_.Get(static_cast<unsigned>(fontIndex));
+}
+
+const Font* FontTable::GetFont(int fontIndex) const {
+  return const_cast<FontTable*>(this)->GetFont(fontIndex);
+}
+
+int FontTable::GetFontIndex(const std::string& name) const {
+  auto it = nameMap_.find(name);
+  return it == nameMap_.end() ? -1 : it->second;
+}
+
+int FontTable::GetDefaultFontIndex(int infoIndex) const {
+  if (infoIndex < 0) return 0;
+  const std::string* name = infos_.at(static_cast<size_t>(infoIndex))->GetFontName();
+  return name == nullptr ? -1 : GetFontIndex(*name);
+}
+
+StyledFontInfoList* FontTable::GetStyledFontInfoList(int fontIndex) const {
+  auto it = styledLists_.find(fontIndex);
+  return it == styledLists_.end() ? nullptr : it->second;
+}
+
+void FontTable::SetStyledFontInfoList(int fontIndex, StyledFontInfoList* list) {
+  StyledFontInfoList*& slot = styledLists_[fontIndex];
+  if (slot != list) delete slot;
+  slot = list;
+}
+
+void FontTable::ConfirmStyledFontInfoListDefaultFontInfo() {
+  for (auto& entry : styledLists_) entry.second->ConfirmDefaultFontInfo();
+}
+
+FontInfo* FontTable::ResolveFontInfo(int fontIndex, bool bold, bool italic,
+                                     bool allowMissing) const {
+  if (fontIndex < 0 || fontIndex >= GetFontCount()) return nullptr;
+  const StyledFontInfoList* list = GetStyledFontInfoList(fontIndex);
+  if (list == nullptr) return nullptr;
+  // A bold request takes the bold face even when italic is asked as well.
+  FontInfo* candidate = bold ? list->GetBold() : italic ? list->GetItalic() : list->GetRegular();
+  if (candidate != nullptr && (allowMissing || candidate->GetFilePath() != nullptr)) {
+    return candidate;
+  }
+  FontInfo* fallback = list->GetDefault();
+  if (fallback == nullptr) return nullptr;
+  return allowMissing || fallback->GetFilePath() != nullptr ? fallback : nullptr;
+}
+
+FontMetrics* FontTable::GetFontMetrics(int fontIndex, bool bold, bool italic) const {
+  const FontInfo* info = ResolveFontInfo(fontIndex, bold, italic, true);
+  return info == nullptr ? nullptr : info->GetFontMetrics();
+}
+
+FontMetrics* FontTable::GetFontMetrics(const std::string& name, bool bold, bool italic) const {
+  int index = GetFontIndex(name);
+  return index < 0 ? nullptr : GetFontMetrics(index, bold, italic);
+}
+
+const std::string* FontTable::GetFontFilePath(int fontIndex, bool bold, bool italic) const {
+  const FontInfo* info = ResolveFontInfo(fontIndex, bold, italic, false);
+  return info == nullptr ? nullptr : info->GetFilePath();
+}
+
+const std::string* FontTable::GetFontFilePath(const std::string& name, bool bold,
+                                              bool italic) const {
+  int index = GetFontIndex(name);
+  return index < 0 ? nullptr : GetFontFilePath(index, bold, italic);
+}
+
+FontInfo* FontTable::FindFontInfo(FontInfo& info) const {
+  if (info.GetFontName() == nullptr) return nullptr;
+  const StyledFontInfoList* list = GetStyledFontInfoList(FindFont(*info.GetFontName()));
+  return list == nullptr ? nullptr : list->FindFontInfo(info);
+}
+
+int FontTable::FindFont(const std::string& name) const { return fonts_.Find(Font(name)); }
+
+int FontTable::FindOrAddFont(const std::string& name, bool* added) {
+  Font key(name);
+  int index = fonts_.Find(key);
+  *added = index < 0;
+  return index >= 0 ? index : fonts_.Add(key);
+}
+
+StyledFontInfoList* FontTable::StyledListFor(int fontIndex) {
+  StyledFontInfoList* list = GetStyledFontInfoList(fontIndex);
+  if (list == nullptr) {
+    list = new StyledFontInfoList(fontIndex);
+    SetStyledFontInfoList(fontIndex, list);
+  }
+  return list;
+}
+
+void FontTable::UpdateFontKinds(int fontIndex) {
+  Font* font = GetFont(fontIndex);
+  if (font == nullptr) return;
+  for (const char* name : symbolFontNames()) {
+    if (font->GetName() == name) {
+      font->SetSymbol(true);
+      return;
+    }
+  }
+}
+
+int FontTable::RegisterFontInfo(FontInfo* info, bool fromCache) {
+  if (info == nullptr || info->GetFontName() == nullptr) return -1;
+  const std::string* style = info->GetStyleName();
+  if (style != nullptr && containsExtraBold(*style)) {
+    info->SetFontName(new std::string(*info->GetFontName() + " " + kExtraBold));
+    info->SetStyleName(new std::string("Regular"));
+  }
+  const std::string& name = *info->GetFontName();
+
+  bool added = false;
+  int index = FindOrAddFont(name, &added);
+  if (added) UpdateFontKinds(index);
+  Font* font = GetFont(index);
+  StyledFontInfoList* list = StyledListFor(index);
+
+  bool accepted = list->InformFontInfo(*info);
+  bool hasFile = info->GetFilePath() != nullptr;
+  bool extraBold = containsExtraBold(name);
+  if (!accepted && !fromCache) {
+    if (hasFile) font->SetWithoutFile(false);
+    if (extraBold) font->SetExtraBold(true);
+    delete info;
+    return index;
+  }
+
+  info->SetInfoIndex(GetFontInfoCount());
+  infos_.push_back(info);
+  RegisterLocaleFontName(info, index);
+  list->ConfirmDefaultFontInfo();
+  if (info->IsCJK()) {
+    const std::string* family = info->GetFamilyName();
+    font->SetNonTimes(family == nullptr || *family != "Times New Roman");
+  }
+  if (hasFile) font->SetWithoutFile(false);
+  if (extraBold) font->SetExtraBold(true);
+  return index;
+}
+
+void FontTable::RegisterLocaleFontName(FontInfo* info, int fontIndex) {
+  if (info == nullptr) return;
+  if (!info->GetLocalizedNames().empty()) {
+    for (const auto& entry : info->GetLocalizedNames()) nameMap_.emplace(entry.second, fontIndex);
+    return;
+  }
+  if (info->GetFontName() == nullptr) return;
+  if (nameMap_.emplace(*info->GetFontName(), fontIndex).second) return;
+  FontInfo* registered = GetFontInfo(fontIndex, false, false, true);
+  if (registered != nullptr && registered != info && !registered->IsValid()) {
+    registered->Update(*info);
+  }
+}
+
+void FontTable::BuildFont() {
+  for (FontInfo* info : infos_) {
+    if (info->GetFontName() == nullptr) continue;
+    bool added = false;
+    int index = FindOrAddFont(*info->GetFontName(), &added);
+    StyledListFor(index)->InformFontInfo(*info);
+    RegisterLocaleFontName(info, index);
+  }
+}
+
+bool FontTable::LoadFontInfo(FontInfoSerializer& serializer) {
+  if (!infos_.empty()) RemoveAll();
+  std::vector<FontInfo*> read;
+  if (!serializer.Read(read)) {
+    for (FontInfo* info : read) delete info;
+    return false;
+  }
+  for (FontInfo* info : read) {
+    // A record without a font name cannot be registered.
+    if (RegisterFontInfo(info, true) < 0) delete info;
+  }
+  return true;
+}
+
+void FontTable::UpdateModifiedFontInfoState() {
+  for (FontInfo* info : infos_) {
+    if (info->GetScanState() == 2) {
+      info->SetScanState(0);
+    } else if (info->GetScanState() == 0) {
+      info->SetFilePath(nullptr);
+    }
+  }
+}
+
+void FontTable::ClearCacheInfo() {
+  for (FontInfo* info : infos_) {
+    info->SetCharMetricsInfo(nullptr);
+    info->SetKerningInfo(nullptr);
+  }
+}
+
+void FontTable::RemoveAll() {
+  for (auto& entry : styledLists_) delete entry.second;
+  styledLists_.clear();
+  for (FontInfo* info : infos_) delete info;
+  infos_.clear();
+  nameMap_.clear();
+}
+
+}  // namespace qro_common

@@ -1,0 +1,60 @@
+// Start-up steps of the facade class, on objects of its own (the global
+// facade is left alone).
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "api/KelFontWidth.h"
+#include "common/registry/FontTable.h"
+#include "tests/api/FacadeCache.h"
+#include "tests/support/TempDir.h"
+
+namespace {
+
+TEST(KelFontWidth, SerializerNeedsAUsableExtractPath) {
+  kelfont_test::TempDir dir;
+  CKelFontWidth empty;
+  EXPECT_EQ(empty.InitFontInfoSerializer(), -2);
+  EXPECT_EQ(empty._GetFontInfoSerializer(), nullptr);
+
+  ASSERT_TRUE(kelfont_test::writeFile(dir.file("plain"), "not a folder"));
+  CKelFontWidth underFile;
+  underFile.SetExtractPath((dir.file("plain") + "/cache/").c_str());
+  EXPECT_EQ(underFile.InitFontInfoSerializer(), -2);
+  EXPECT_EQ(underFile._GetFontInfoSerializer(), nullptr);
+
+  CKelFontWidth good;
+  good.SetExtractPath((dir.path() + "/deep/cache/").c_str());
+  EXPECT_EQ(good.InitFontInfoSerializer(), 0);
+  EXPECT_NE(good._GetFontInfoSerializer(), nullptr);
+  EXPECT_TRUE(kelfont_test::writeFile(dir.path() + "/deep/cache/FInfo/Fdata/probe", "x"));
+}
+
+TEST(KelFontWidth, TableNeedsASerializerToLoadFrom) {
+  CKelFontWidth facade;
+  EXPECT_EQ(facade.InitFontTable(), -3);
+  EXPECT_EQ(facade._GetFontTable(), nullptr);
+  int advance = 0;
+  EXPECT_EQ(facade.GetFontCharInfo(0, 'A', false, false, advance), -1);
+  EXPECT_EQ(facade.GetFontIndex("Gulim"), -1);
+}
+
+TEST(KelFontWidth, UnknownAdjustFontNamesContributeMinusOne) {
+  kelfont_test::TempDir dir;
+  std::string base = dir.path() + "/";
+  ASSERT_TRUE(facade_test::writeCache(base, facade_test::standardFaces()));
+  CKelFontWidth facade;
+  facade.SetExtractPath(base.c_str());
+  ASSERT_EQ(facade.InitFontInfoSerializer(), 0);
+  ASSERT_EQ(facade.InitFontTable(), 0);
+  EXPECT_EQ(facade._GetFontTable()->GetFontCount(), facade_test::kFontCount);
+  EXPECT_EQ(facade.AdjustAdvanceRatio(facade_test::kGulim, 1024.0f), 1024.0f);
+  facade.InitializeAdvanceRatioAdjustFontSet();
+  EXPECT_EQ(facade.AdjustAdvanceRatio(facade_test::kGulim, 1024.0f), 1005.0f);
+  EXPECT_EQ(facade.AdjustAdvanceRatio(facade_test::kDotum, 1000.5f), 981.5f);
+  EXPECT_EQ(facade.AdjustAdvanceRatio(-1, 1024.0f), 1005.0f);
+  EXPECT_EQ(facade.AdjustAdvanceRatio(facade_test::kBasic, 1024.0f), 1024.0f);
+}
+
+}  // namespace
