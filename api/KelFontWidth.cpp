@@ -1,5 +1,7 @@
 #include "api/KelFontWidth.h"
 
+#include "base/KeepForProcess.h"
+
 #include <limits>
 #include <new>
 
@@ -29,12 +31,8 @@ const char* const kAdjustFontNames[] = {"굴림",      "돋움",     "바탕",  
 
 // Tables and serializers the facade creates live as long as the process:
 // after a later start-up the facade's caches still point into the table it
-// replaced. They are kept reachable here rather than dropped.
-template <typename T>
-void keepForProcess(T* object) {
-  static auto* kept = new std::vector<T*>();
-  kept->push_back(object);
-}
+// replaced.
+using qro_base::keepForProcess;
 
 // One row of the bold correction: advances in (above, upTo] lose
 // `correction`. Rows are tested in this order, so the bands come before the

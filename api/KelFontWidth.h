@@ -12,6 +12,7 @@
 
 namespace qro_common {
 class FontInfo;
+class FontInfoFileExtracter;
 class FontInfoSerializer;
 class FontTable;
 }  // namespace qro_common
@@ -83,6 +84,17 @@ class CKelFontWidth {
   // The facade's own caches are kept.
   void ClearKelFontCacheInfo();
 
+  // The font manager door, which the facade's own start-up never uses.
+  // Creates the package extracter on (extract path, program path); 0.
+  int InitExtracter();
+  // Creates an extracter and a DefaultFontManager on the program path with
+  // the font path list, initialises it and installs it as
+  // FontManager::instance (an earlier instance is left alive). Returns the
+  // result of the initialisation.
+  bool InitFontManager();
+  // Destroys FontManager::instance when there is one.
+  void UnInitFontManager();
+
   // The face for a font index and style (missing font files allowed),
   // remembered once found; null when there is none.
   qro_common::FontInfo* _GetFontInfo(int fontIndex, const bool& bold, const bool& italic);
@@ -100,6 +112,8 @@ class CKelFontWidth {
   std::string programPath_;
   std::string extractPath_;
   std::vector<std::string> fontPathList_;
+  // Created by the font manager door only; never destroyed by the facade.
+  qro_common::FontInfoFileExtracter* extracter_ = nullptr;
   qro_common::FontTable* fontTable_ = nullptr;
   qro_common::FontInfoSerializer* serializer_ = nullptr;
   std::map<qro_common::FontKey, qro_common::FontInfo*> fontInfoCache_;

@@ -55,3 +55,30 @@ int GetKerningInfo(int fontIndex, const bool& bold, const bool& italic, int firs
 // Drops the loaded per-character and kerning data; answers already given
 // stay cached.
 void ClearKelFontCacheInfo();
+
+// ---------------------------------------------------------------------------
+// The font manager: scans font folders, keeps the font information cache up
+// to date and answers with fallback through FontManager::instance.
+//
+// Call SetSharedFontPath / SetUserFontPath first (later changes are not
+// seen by an existing manager), then InitFontManager; UnInitFontManager at
+// shut-down. The manager scans "/system/fonts/", then the shared folder,
+// then the user folder. Start-up and shut-down run on one thread before
+// and after any query. Lines go to the platform log (priority 6, tag
+// "QRO-NATIVE-PROFILE").
+// ---------------------------------------------------------------------------
+
+#include "common/manager/FontManager.h"
+#include "common/manager/Path.h"
+
+// Replace the shared / user font folder (a copy of `path`; null clears it).
+void SetSharedFontPath(const char* path);
+void SetUserFontPath(const char* path);
+// Creates the package extracter on `extractPath` and a font manager whose
+// cache lies under `qrfontZipPath` (the folder that holds "qrfont.zip"),
+// initialises it and installs it as qro_common::FontManager::instance, even
+// when initialisation fails. False, with nothing created, when either path
+// is null. An earlier manager is replaced without being destroyed.
+bool InitFontManager(const char* qrfontZipPath, const char* extractPath);
+// Destroys qro_common::FontManager::instance, when there is one.
+void UnInitFontManager();
