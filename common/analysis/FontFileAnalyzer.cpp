@@ -4,6 +4,7 @@
 #include FT_TRUETYPE_IDS_H
 #include FT_TRUETYPE_TAGS_H
 
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -112,7 +113,14 @@ FontFileAnalyzer::~FontFileAnalyzer() {
   if (library_ != nullptr) FT_Done_FreeType(library_);
 }
 
+namespace {
+std::atomic<unsigned long> gOpenCount{0};
+}  // namespace
+
+unsigned long FontFileAnalyzer::GetOpenCount() { return gOpenCount.load(); }
+
 bool FontFileAnalyzer::Open(const char* path, int faceIndex) {
+  gOpenCount.fetch_add(1);
   Close();
   if (!libraryReady_ || path == nullptr || faceIndex < 0) return false;
   {

@@ -96,6 +96,11 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   // when outSize is 0.
   static std::size_t ConvertU2ToUtf8(char* out, std::size_t outSize, const unsigned short* in);
 
+  // Number of Open() calls in this process so far, by any analyzer (how
+  // many font faces were looked at; a start-up that trusts its cache makes
+  // none).
+  static unsigned long GetOpenCount();
+
   bool IsOpen() const { return isOpen_; }
   // Number of faces in the opened file, as FreeType reports it, in 8 bits.
   unsigned char GetFaceCount() const { return faceCount_; }

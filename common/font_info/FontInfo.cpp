@@ -15,13 +15,21 @@ void replaceOwned(T*& slot, T* value) {
   slot = value;
 }
 
+// The same for a part that readers may look at while it is replaced: the
+// new object is published with release order.
+template <typename T>
+void replaceOwned(std::atomic<T*>& slot, T* value) {
+  T* old = slot.exchange(value, std::memory_order_acq_rel);
+  if (old != value) delete old;
+}
+
 }  // namespace
 
 FontInfo::FontInfo() = default;
 
 FontInfo::~FontInfo() {
   delete metrics_;
-  delete charMetrics_;
+  delete charMetrics_.load();
   delete filePath_;
   delete fontName_;
   delete familyName_;
@@ -29,7 +37,7 @@ FontInfo::~FontInfo() {
   delete styleName_;
   delete panose_;
   delete sig_;
-  delete kerning_;
+  delete kerning_.load();
 }
 
 void FontInfo::SetFontMetrics(FontMetrics* metrics) { replaceOwned(metrics_, metrics); }

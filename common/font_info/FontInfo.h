@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <map>
 #include <string>
 
@@ -18,6 +19,10 @@ class KerningInfo;
 // its argument and deletes the part it replaces, unless that is the very
 // object being set. An info is valid when it has both a PANOSE and a
 // signature.
+//
+// The per-character metrics and the kerning are published atomically
+// (release on set, acquire on get): a reader that finds them sees them
+// completely built, so one thread may load them while others look.
 class FontInfo : public qro_base::NonCopyable {
  public:
   FontInfo();
@@ -35,7 +40,9 @@ class FontInfo : public qro_base::NonCopyable {
   FontMetrics* GetFontMetrics() const { return metrics_; }
   void SetFontMetrics(FontMetrics* metrics);
   // Advances per character, loaded on demand from the data file.
-  CharMetricsInfo* GetCharMetricsInfo() const { return charMetrics_; }
+  CharMetricsInfo* GetCharMetricsInfo() const {
+    return charMetrics_.load(std::memory_order_acquire);
+  }
   void SetCharMetricsInfo(CharMetricsInfo* info);
   // Absolute path of the font file; null when the file is not available.
   const std::string* GetFilePath() const { return filePath_; }
@@ -55,7 +62,7 @@ class FontInfo : public qro_base::NonCopyable {
   Sig* GetSig() const { return sig_; }
   void SetSig(Sig* sig);
   // Kerning pairs, loaded on demand from the data file.
-  KerningInfo* GetKerningInfo() const { return kerning_; }
+  KerningInfo* GetKerningInfo() const { return kerning_.load(std::memory_order_acquire); }
   void SetKerningInfo(KerningInfo* info);
 
   // Position in the font table, also the name of the data file; -1 for none.
@@ -94,7 +101,7 @@ class FontInfo : public qro_base::NonCopyable {
 
  private:
   FontMetrics* metrics_ = nullptr;
-  CharMetricsInfo* charMetrics_ = nullptr;
+  std::atomic<CharMetricsInfo*> charMetrics_{nullptr};
   const std::string* filePath_ = nullptr;
   int infoIndex_ = -1;
   int fileSize_ = 0;
@@ -111,7 +118,7 @@ class FontInfo : public qro_base::NonCopyable {
   const std::string* styleName_ = nullptr;
   Panose* panose_ = nullptr;
   Sig* sig_ = nullptr;
-  KerningInfo* kerning_ = nullptr;
+  std::atomic<KerningInfo*> kerning_{nullptr};
   std::map<int, std::string> localizedNames_;
 };
 

@@ -1,0 +1,106 @@
+// Glyph outlines drawn into host paths.
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+#include FT_OUTLINE_H
+
+#include "common/font_info/FontInfo.h"
+#include "common/manager/FontManager.h"
+#include "common/manager/Path.h"
+
+namespace qro_common {
+
+namespace {
+
+// 32 points at 72 dpi: outline coordinates (26.6) come out at 2048 units
+// per em.
+constexpr FT_F26Dot6 kCharHeight = 2048;
+constexpr FT_UInt kResolution = 72;
+
+// The pen origin of the outline being drawn. Process-wide: outline drawing
+// is not reentrant.
+int gOriginX = 0;
+int gOriginY = 0;
+
+// x truncated toward zero; 0 when it does not fit an int (or is NaN).
+int truncateToInt(float x) {
+  if (!(x > -2147483648.0f && x < 2147483648.0f)) return 0;
+  return static_cast<int>(x);
+}
+
+// A FreeType point on the path: moved to the origin, y flipped (the path's
+// y grows downward).
+float pathX(const FT_Vector* point) { return static_cast<float>(gOriginX + point->x); }
+float pathY(const FT_Vector* point) { return static_cast<float>(gOriginY - point->y); }
+
+int moveTo(const FT_Vector* to, void* user) {
+  static_cast<qro_graphics::Path*>(user)->moveTo(pathX(to), pathY(to));
+  return 0;
+}
+
+int lineTo(const FT_Vector* to, void* user) {
+  static_cast<qro_graphics::Path*>(user)->lineTo(pathX(to), pathY(to));
+  return 0;
+}
+
+int conicTo(const FT_Vector* control, const FT_Vector* to, void* user) {
+  static_cast<qro_graphics::Path*>(user)->quadTo(pathX(control), pathY(control), pathX(to),
+                                                 pathY(to));
+  return 0;
+}
+
+int cubicTo(const FT_Vector* control1, const FT_Vector* control2, const FT_Vector* to,
+            void* user) {
+  static_cast<qro_graphics::Path*>(user)->cubicTo(pathX(control1), pathY(control1),
+                                                  pathX(control2), pathY(control2), pathX(to),
+                                                  pathY(to));
+  return 0;
+}
+
+const FT_Outline_Funcs kOutlineFuncs = {moveTo, lineTo, conicTo, cubicTo, 0, 0};
+
+// Loads `glyph` at 2048 units per em and draws it from the origin. On
+// success x moves on by the advance (after the side-bearing correction when
+// asked) and 0 is returned.
+int drawGlyph(FT_Face face, FT_UInt glyph, bool bearingCorrection, float& x,
+              qro_graphics::Path* path) {
+  FT_Set_Char_Size(face, 0, kCharHeight, kResolution, kResolution);
+  if (FT_Load_Glyph(face, glyph, FT_LOAD_DEFAULT) != 0) return -1;
+  const FT_GlyphSlot slot = face->glyph;
+  float pen = x;
+  if (bearingCorrection) {
+    // Moves only the returned pen: the outline is drawn from the origin.
+    float bearing = static_cast<float>(slot->metrics.horiBearingX);
+    pen += slot->metrics.width > slot->metrics.horiAdvance ? -bearing : bearing;
+  }
+  if (FT_Outline_Decompose(&slot->outline, &kOutlineFuncs, path) != 0) {
+    path->reset();
+    return -1;
+  }
+  x = pen + static_cast<float>(slot->metrics.horiAdvance);
+  return 0;
+}
+
+}  // namespace
+
+int FontManager::OutlineToPath(const FontInfo* info, unsigned ch, float& x, float& y,
+                               qro_graphics::Path* path) {
+  gOriginX = truncateToInt(x);
+  gOriginY = truncateToInt(y);
+  if (info == nullptr || path == nullptr) return -1;
+  FT_Face face = FontFace(*info);
+  if (face == nullptr) return -1;
+  return drawGlyph(face, FT_Get_Char_Index(face, ch), false, x, path);
+}
+
+int FontManager::GlyphOutlineToPath(const FontInfo* info, unsigned glyphIndex, float& x,
+                                    float& y, qro_graphics::Path* path) {
+  gOriginX = truncateToInt(x);
+  gOriginY = truncateToInt(y);
+  if (info == nullptr || path == nullptr) return -1;
+  FT_Face face = FontFace(*info);
+  if (face == nullptr) return -1;
+  return drawGlyph(face, glyphIndex, true, x, path);
+}
+
+}  // namespace qro_common

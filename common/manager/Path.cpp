@@ -1,0 +1,7 @@
+#include "common/manager/Path.h"
+
+namespace qro_graphics {
+
+PathFactory* PathFactory::instance = nullptr;
+
+}  // namespace qro_graphics

@@ -1,0 +1,272 @@
+#include "native/DefaultFontInfoFileExtracter.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <zlib.h>
+
+#include <cstdio>
+#include <regex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/Environment.h"
+#include "base/ZipEntryOutputStream.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TempDir.h"
+
+namespace {
+
+using kelfont_test::readFile;
+using kelfont_test::TempDir;
+using kelfont_test::writeFile;
+using qro_ni::DefaultFontInfoFileExtracter;
+using Entries = std::vector<std::pair<std::string, std::string>>;
+
+bool exists(const std::string& path) {
+  struct stat st;
+  return stat(path.c_str(), &st) == 0;
+}
+
+// Writes <dir>/qrfont.zip with the library's own zip writer.
+void writePackage(const std::string& dir, const Entries& entries) {
+  qro_base::ZipEntryOutputStream out((dir + "/qrfont.zip").c_str());
+  ASSERT_TRUE(out.IsOpen());
+  for (const auto& [name, bytes] : entries) {
+    qro_base::ZipEntry entry(name, static_cast<int64_t>(bytes.size()));
+    ASSERT_TRUE(out.PutNextEntry(entry));
+    if (!bytes.empty()) {
+      ASSERT_TRUE(out.Write(bytes.data(), static_cast<unsigned>(bytes.size())));
+    }
+    ASSERT_TRUE(out.CloseEntry());
+  }
+  ASSERT_TRUE(out.Close());
+}
+
+std::string le16(unsigned v) { return {static_cast<char>(v & 0xFF), static_cast<char>(v >> 8)}; }
+std::string le32(unsigned long v) { return le16(v & 0xFFFF) + le16((v >> 16) & 0xFFFF); }
+
+// A one-entry archive, stored, whose headers claim `claimed` bytes for
+// `data` (written by hand: the library's writer cannot lie).
+std::string lyingArchive(const std::string& name, const std::string& data, unsigned long claimed) {
+  unsigned long crc =
+      crc32(0, reinterpret_cast<const Bytef*>(data.data()), static_cast<uInt>(data.size()));
+  std::string sizes = le32(crc) + le32(claimed) + le32(claimed);
+  std::string local = "PK\x03\x04" + le16(10) + le16(0) + le16(0) + le32(0) + sizes +
+                      le16(static_cast<unsigned>(name.size())) + le16(0) + name + data;
+  std::string central = "PK\x01\x02" + le16(10) + le16(10) + le16(0) + le16(0) + le32(0) + sizes +
+                        le16(static_cast<unsigned>(name.size())) + le16(0) + le16(0) + le16(0) +
+                        le16(0) + le32(0) + le32(0) + name;
+  return local + central + "PK\x05\x06" + le16(0) + le16(0) + le16(1) + le16(1) +
+         le32(central.size()) + le32(local.size()) + le16(0);
+}
+
+// A data directory with FInfo/ and FInfo/Fdata/ and a package directory.
+struct Dirs {
+  TempDir temp;
+  std::string data = temp.path() + "/data/";
+  std::string package = temp.path() + "/package/";
+  Dirs() {
+    mkdir(data.c_str(), 0775);
+    mkdir((data + "FInfo").c_str(), 0775);
+    mkdir((data + "FInfo/Fdata").c_str(), 0775);
+    mkdir(package.c_str(), 0775);
+  }
+  std::string out(const std::string& name) const { return data + "FInfo/" + name; }
+};
+
+std::string binaryBytes() {
+  std::string bytes;
+  for (int round = 0; round < 3; ++round) {
+    for (int i = 0; i < 256; ++i) bytes += static_cast<char>(i);
+  }
+  return bytes;
+}
+
+// Larger than any single block of the inflater, to read across blocks.
+std::string bigText() {
+  std::string text;
+  for (int i = 0; i < 20000; ++i) text += "Ftable line " + std::to_string(i * 7919 % 10007) + "\n";
+  return text;
+}
+
+TEST(DefaultFontInfoFileExtracter, ExtractsEveryEntryByteForByte) {
+  Dirs dirs;
+  const std::string table = bigText();
+  const std::string data12 = binaryBytes();
+  const std::string chain = "Arial\r\nGulim\n\n";
+  const std::string defaults = "Gulim\n\nArial\n";
+  const std::string scripts = "56\nGulim\n";
+  const std::string korean = "56\nBatang\n";
+  writePackage(dirs.package, {{"Ftable", table},
+                              {"Fdata/", ""},
+                              {"Fdata/12", data12},
+                              {"Fdata/3", "three"},
+                              {"fc", chain},
+                              {"df", defaults},
+                              {"sf", scripts},
+                              {"sf_ko", korean},
+                              {"sf_ja", ""}});
+  // Extraction truncates what was there; a failed one leaves it alone.
+  ASSERT_TRUE(writeFile(dirs.out("fc"), std::string(5000, 'x')));
+  ASSERT_TRUE(writeFile(dirs.out("sf_ja"), "old"));
+
+  DefaultFontInfoFileExtracter extracter(dirs.data, dirs.package);
+  EXPECT_EQ(extracter.GetDataDirectory(), dirs.data);
+  EXPECT_TRUE(extracter.ExtractFontTable());
+  EXPECT_TRUE(extracter.ExtractFontChain());
+  EXPECT_TRUE(extracter.ExtractDefaultFontsList());
+  EXPECT_TRUE(extracter.ExtractScriptDefaultFontsList());
+  EXPECT_TRUE(extracter.ExtractScriptDefaultFontsList("ko"));
+  extracter.ExtractFontInfoData(12);
+
+  EXPECT_EQ(readFile(dirs.out("Ftable")), table);
+  EXPECT_EQ(readFile(dirs.out("Fdata/12")), data12);
+  EXPECT_EQ(readFile(dirs.out("fc")), chain);
+  EXPECT_EQ(readFile(dirs.out("df")), defaults);
+  EXPECT_EQ(readFile(dirs.out("sf")), scripts);
+  EXPECT_EQ(readFile(dirs.out("sf_ko")), korean);
+  EXPECT_FALSE(exists(dirs.out("Fdata/3")));  // only what was asked for
+
+  // Empty and missing entries give false and write nothing.
+  EXPECT_FALSE(extracter.ExtractScriptDefaultFontsList("ja"));
+  EXPECT_FALSE(extracter.ExtractScriptDefaultFontsList("zh"));
+  extracter.ExtractFontInfoData(4);
+  EXPECT_FALSE(extracter.Extract("Fdata/"));  // the folder entry is empty
+  EXPECT_FALSE(extracter.Extract("FTABLE"));  // names are case-sensitive
+  EXPECT_EQ(readFile(dirs.out("sf_ja")), "old");
+  EXPECT_FALSE(exists(dirs.out("sf_zh")));
+  EXPECT_FALSE(exists(dirs.out("Fdata/4")));
+  EXPECT_FALSE(exists(dirs.out("FTABLE")));
+}
+
+TEST(DefaultFontInfoFileExtracter, NoUsablePackageGivesFalseEverywhere) {
+  Dirs dirs;
+  std::vector<std::pair<const char*, std::string>> packages = {
+      {"missing", ""},
+      {"not a zip", "Ftable\nfc\n" + std::string(3000, 'P')},
+      {"cut short", lyingArchive("Ftable", "table", 5).substr(0, 40)}};
+  for (const auto& [label, bytes] : packages) {
+    SCOPED_TRACE(label);
+    if (!bytes.empty()) {
+      ASSERT_TRUE(writeFile(dirs.package + "qrfont.zip", bytes));
+    }
+    kelfont_test::LogCapture log;
+    {
+      DefaultFontInfoFileExtracter extracter(dirs.data, dirs.package);
+      EXPECT_FALSE(extracter.ExtractFontTable());
+      EXPECT_FALSE(extracter.ExtractFontChain());
+      EXPECT_FALSE(extracter.ExtractDefaultFontsList());
+      EXPECT_FALSE(extracter.ExtractScriptDefaultFontsList());
+      EXPECT_FALSE(extracter.ExtractScriptDefaultFontsList("ko"));
+      extracter.ExtractFontInfoData(0);
+    }
+    EXPECT_FALSE(exists(dirs.out("Ftable")));
+    EXPECT_FALSE(exists(dirs.out("Fdata/0")));
+    // Closing the package still logs its time.
+    auto lines = log.lines();
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0].priority, 6);
+    EXPECT_EQ(lines[0].tag, "QRO-NATIVE-PROFILE");
+    EXPECT_TRUE(std::regex_match(lines[0].message,
+                                 std::regex(R"(Elapsed Time of ZipFile == \d+\.\d{3} sec)")))
+        << lines[0].message;
+  }
+}
+
+TEST(DefaultFontInfoFileExtracter, SizesTheEntryCannotBackAreRefused) {
+  Dirs dirs;
+  ASSERT_TRUE(writeFile(dirs.out("Ftable"), "kept"));
+  struct Case {
+    const char* label;
+    unsigned long claimed;
+  } cases[] = {{"above the limit", 300ul * 1024 * 1024},
+               {"negative when sign-extended", 0x80000010ul},
+               {"longer than the archive", 100000ul}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.label);
+    ASSERT_TRUE(writeFile(dirs.package + "qrfont.zip", lyingArchive("Ftable", "table", c.claimed)));
+    DefaultFontInfoFileExtracter extracter(dirs.data, dirs.package);
+    EXPECT_FALSE(extracter.ExtractFontTable());
+    EXPECT_EQ(readFile(dirs.out("Ftable")), "kept");
+  }
+  // The same archive with honest sizes is extracted.
+  ASSERT_TRUE(writeFile(dirs.package + "qrfont.zip", lyingArchive("Ftable", "table", 5)));
+  DefaultFontInfoFileExtracter extracter(dirs.data, dirs.package);
+  EXPECT_TRUE(extracter.ExtractFontTable());
+  EXPECT_EQ(readFile(dirs.out("Ftable")), "table");
+}
+
+TEST(DefaultFontInfoFileExtracter, NamesCannotLeaveTheFolder) {
+  Dirs dirs;
+  writePackage(dirs.package, {{"../escaped", "x"},
+                              {"Fdata/../../escaped", "x"},
+                              {"sf_../../escaped", "x"},
+                              {"sf_..\\escaped", "x"},
+                              {"/tmp/escaped", "x"},
+                              {"sf_..", "dots"}});
+  DefaultFontInfoFileExtracter extracter(dirs.data, dirs.package);
+  EXPECT_FALSE(extracter.Extract("../escaped"));
+  EXPECT_FALSE(extracter.Extract("Fdata/../../escaped"));
+  EXPECT_FALSE(extracter.Extract("/tmp/escaped"));
+  EXPECT_FALSE(extracter.ExtractScriptDefaultFontsList("../../escaped"));
+  EXPECT_FALSE(extracter.ExtractScriptDefaultFontsList("..\\escaped"));
+  EXPECT_FALSE(extracter.ExtractScriptDefaultFontsList(nullptr));
+  EXPECT_FALSE(exists(dirs.data + "escaped"));
+  EXPECT_FALSE(exists(dirs.data + "FInfo/escaped"));
+  EXPECT_FALSE(exists(dirs.data + "FInfo/sf_..\\escaped"));
+  // Dots inside a name are just part of it.
+  EXPECT_TRUE(extracter.ExtractScriptDefaultFontsList(".."));
+  EXPECT_EQ(readFile(dirs.out("sf_..")), "dots");
+}
+
+TEST(DefaultFontInfoFileExtracter, MissingFoldersAreNotCreated) {
+  Dirs dirs;
+  writePackage(dirs.package, {{"Fdata/7", "seven"}, {"fc", "chain"}});
+  rmdir((dirs.data + "FInfo/Fdata").c_str());
+  DefaultFontInfoFileExtracter extracter(dirs.data, dirs.package);
+  extracter.ExtractFontInfoData(7);
+  EXPECT_FALSE(exists(dirs.out("Fdata")));
+  EXPECT_TRUE(extracter.ExtractFontChain());
+}
+
+TEST(DefaultFontInfoFileExtracter, ReloadReadsTheReplacedPackage) {
+  Dirs dirs;
+  writePackage(dirs.package, {{"fc", "first\n"}});
+  DefaultFontInfoFileExtracter extracter(dirs.data, dirs.package);
+  ASSERT_TRUE(extracter.ExtractFontChain());
+  EXPECT_EQ(readFile(dirs.out("fc")), "first\n");
+
+  std::string staged = dirs.temp.path() + "/staged";
+  mkdir(staged.c_str(), 0775);
+  writePackage(staged, {{"fc", "second\n"}, {"df", "Arial\n"}});
+  ASSERT_EQ(std::rename((staged + "/qrfont.zip").c_str(), (dirs.package + "qrfont.zip").c_str()),
+            0);
+  EXPECT_FALSE(extracter.ExtractDefaultFontsList());  // the old list has no "df"
+  kelfont_test::LogCapture log;
+  extracter.Reload();
+  EXPECT_EQ(log.lines().size(), 1u);  // the old package was closed
+  EXPECT_TRUE(extracter.ExtractFontChain());
+  EXPECT_EQ(readFile(dirs.out("fc")), "second\n");
+  EXPECT_TRUE(extracter.ExtractDefaultFontsList());
+  EXPECT_EQ(readFile(dirs.out("df")), "Arial\n");
+}
+
+TEST(DefaultFontInfoFileExtracter, DataDirectoryComesFromTheEnvironment) {
+  Dirs dirs;
+  writePackage(dirs.package, {{"sf", "0\nArial\n"}});
+  qro_base::Environment& environment = qro_base::ensureEnvironment();
+  const std::string* saved = environment.GetFileStoragePath();
+  std::string* previous = saved != nullptr ? new std::string(*saved) : nullptr;
+  environment.SetFileStoragePath(new std::string(dirs.data));
+  {
+    DefaultFontInfoFileExtracter extracter(dirs.package);
+    EXPECT_EQ(extracter.GetDataDirectory(), dirs.data);
+    EXPECT_EQ(extracter.GetPackageDirectory(), dirs.package);
+    EXPECT_TRUE(extracter.ExtractScriptDefaultFontsList());
+  }
+  environment.SetFileStoragePath(previous);
+  EXPECT_EQ(readFile(dirs.out("sf")), "0\nArial\n");
+}
+
+}  // namespace
