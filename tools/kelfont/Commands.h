@@ -10,6 +10,13 @@ namespace kelfont_tool {
 // The subcommands of the kelfont tool. Each takes the arguments after its
 // name, writes to the console and returns an ExitCode.
 int RunPack(const std::vector<std::string>& args, Console& console);
+int RunMeasure(const std::vector<std::string>& args, Console& console);
+int RunRender(const std::vector<std::string>& args, Console& console);
+int RunFonts(const std::vector<std::string>& args, Console& console);
+int RunFallback(const std::vector<std::string>& args, Console& console);
+
+// A size in pixels: a number above 0 and up to 10000.
+bool parseSize(const std::string& text, double& size);
 
 // One line per subcommand, for the tool's overall help.
 struct CommandInfo {

@@ -35,15 +35,24 @@ bool readWhole(const std::string& path, std::string& bytes) {
 // The entries of a directory in listing order, as the font manager's scan
 // meets them (no sorting).
 bool listDirectory(const std::string& directory, std::vector<std::string>& names) {
-  DIR* dir = opendir(directory.c_str());
-  if (dir == nullptr) return false;
-  while (dirent* entry = readdir(dir)) {
-    if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
-      names.push_back(entry->d_name);
+  dirent** entries = nullptr;
+  const int count = scandir(directory.c_str(), &entries, nullptr, nullptr);
+  if (count < 0) return false;
+  for (int i = 0; i < count; ++i) {
+    if (std::strcmp(entries[i]->d_name, ".") != 0 && std::strcmp(entries[i]->d_name, "..") != 0) {
+      names.push_back(entries[i]->d_name);
     }
+    std::free(entries[i]);
   }
-  closedir(dir);
+  std::free(entries);
   return true;
+}
+
+// The scan's test of a directory entry: lstat's regular-file bit, which a
+// symbolic link's mode carries as well (links to fonts are read through).
+bool isScannedFile(const std::string& path) {
+  struct stat st;
+  return lstat(path.c_str(), &st) == 0 && (st.st_mode & 0x8000) != 0;
 }
 
 std::string joinPath(const std::string& directory, const std::string& name) {
@@ -97,7 +106,7 @@ bool PackageWriter::AnalyzeDirectories(const std::vector<std::string>& directori
     }
     for (const std::string& name : names) {
       const std::string path = joinPath(directory, name);
-      if (lstat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode) && qro_common::isFontFile(name)) {
+      if (isScannedFile(path) && qro_common::isFontFile(name)) {
         files.push_back(path);
       }
     }
@@ -155,6 +164,7 @@ bool PackageWriter::AnalyzeFace(qro_common::FontFileAnalyzer& analyzer, const st
     if (info->GetPanose() != nullptr) existing->SetPanose(info->GetPanose()->Clone());
     if (info->GetSig() != nullptr) existing->SetSig(info->GetSig()->Clone());
     if (analyzer.GetFileSize() != existing->GetFileSize()) {
+      existing->SetFileSize(analyzer.GetFileSize());
       analyzer.AnalyzeData(*existing);
       ok = StoreData(*existing);
     }

@@ -26,6 +26,10 @@ std::string overallHelp() {
 const std::vector<CommandInfo>& Commands() {
   static const std::vector<CommandInfo> commands{
       {"pack", "analyse font folders and write the default package qrfont.zip", RunPack},
+      {"measure", "measure a text: fonts shown, advances, kerning, total width", RunMeasure},
+      {"render", "draw a text with the fonts' outlines into an SVG file", RunRender},
+      {"fonts", "list the font table: index, name, styles, file, flags", RunFonts},
+      {"fallback", "show the road a character takes to the font that shows it", RunFallback},
   };
   return commands;
 }
