@@ -46,6 +46,26 @@ TEST(CommandLine, BadArgumentsAndMissingInputsGiveAClearMessageAndExitCode) {
       {{"pack", "--fonts", fonts, "--lists", lists, "-o", dir.file("none/q.zip")}, 1,
        "kelfont pack: cannot create " + dir.file("none/q.zip.partial") +
            ": No such file or directory\n"},
+      {{"measure"}, 2, "kelfont measure: missing TEXT... (see --help)\n"},
+      {{"measure", "--size", "0", "x"}, 2,
+       "kelfont measure: --size needs a number of pixels above 0, not '0'\n"},
+      {{"measure", "--storage", dir.file("s"), "--package", lists + "/fc", "x"}, 2,
+       "kelfont measure: the package must be named qrfont.zip: " + lists + "/fc\n"},
+      {{"measure", "--storage", dir.file("s"), "--package", dir.file("qrfont.zip"), "x"}, 1,
+       "kelfont measure: package not found: " + dir.file("qrfont.zip") + "\n"},
+      {{"measure", "--storage", dir.file("s"), "--fonts", dir.file("none"), "x"}, 1,
+       "kelfont measure: font folder not found: " + dir.file("none") + "\n"},
+      {{"measure", "--storage", dir.file("s"), "x"}, 1,
+       "kelfont measure: no font: give --fonts DIR or --package FILE, or --font NAME\n"},
+      {{"measure", "--storage", dir.file("s"), "--fonts", fonts, "--font", "No Such", "x"}, 1,
+       "kelfont measure: unknown font 'No Such' ('kelfont fonts' lists the known ones)\n"},
+      {{"measure", "--storage", lists + "/fc", "x"}, 1,
+       "kelfont measure: cannot create the cache folder " + lists + "/fc/\n"},
+      {{"render", "x"}, 2, "kelfont render: missing -o FILE (see --help)\n"},
+      {{"render", "--storage", dir.file("s"), "--fonts", fonts, "--font", "KelTest Basic", "-o",
+        dir.file("none/a.svg"), "x"}, 1, "kelfont render: cannot write " + dir.file("none/a.svg") + "\n"},
+      {{"fallback", "U+110000"}, 2, "kelfont fallback: not a code point: U+110000\n"},
+      {{"fonts", "extra"}, 2, "kelfont fonts: unexpected argument 'extra' (see --help)\n"},
   };
   for (const Case& c : cases) {
     std::string out, err;
@@ -64,7 +84,7 @@ TEST(CommandLine, BadArgumentsAndMissingInputsGiveAClearMessageAndExitCode) {
 TEST(CommandLine, EveryCommandHasHelpAndTheProgramExitsWithTheCommandsStatus) {
   std::string out;
   ASSERT_EQ(kelfont_test::runTool({"--help"}, &out), 0);
-  for (const char* command : {"pack"}) {
+  for (const char* command : {"pack", "measure", "render", "fonts", "fallback"}) {
     EXPECT_NE(out.find(std::string("\n  ") + command + " "), std::string::npos) << command;
     std::string help;
     EXPECT_EQ(kelfont_test::runTool({command, "--help"}, &help), 0);

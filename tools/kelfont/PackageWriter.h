@@ -26,6 +26,10 @@ namespace kelfont_tool {
 //   fc, df, sf and sf_<language>
 //              the list files, copied byte for byte.
 //
+// Names longer than the table's two-digit lengths can announce (255
+// bytes) are cut at a character boundary, with a warning: written whole
+// they would spoil their record.
+//
 // Faces are analysed the way the font manager's scan does it, in the same
 // order (directories in the order given, files in directory-listing order,
 // faces of a collection in index order, subfolders not entered), so that a
