@@ -23,6 +23,9 @@ TEST(CommandLine, BadArgumentsAndMissingInputsGiveAClearMessageAndExitCode) {
   TempDir dir;
   const std::string fonts = kelfont_test::testFontDir();
   const std::string lists = kelfont_test::writeTestLists(dir);
+  const std::string broken = dir.file("broken");
+  mkdir(broken.c_str(), 0755);
+  writeFile(broken + "/broken.ttf", "not a font");
   struct Case {
     std::vector<std::string> args;
     int status;
@@ -41,11 +44,13 @@ TEST(CommandLine, BadArgumentsAndMissingInputsGiveAClearMessageAndExitCode) {
        "kelfont pack: " + dir.path() + " is a folder; give the package file name\n"},
       {{"pack", "--fonts", fonts, dir.file("none"), "--lists", lists}, 1,
        "kelfont pack: font folder not found: " + dir.file("none") + "\n"},
+      {{"pack", "--fonts", broken, "--lists", lists}, 1,
+       "kelfont pack: warning: skipped " + broken + "/broken.ttf: not a font FreeType can read, "
+       "or no OS/2 table\nkelfont pack: no font face to pack\n"},
       {{"pack", "--fonts", fonts, "--lists", dir.file("none")}, 1,
        "kelfont pack: list folder not found: " + dir.file("none") + "\n"},
       {{"pack", "--fonts", fonts, "--lists", lists, "-o", dir.file("none/q.zip")}, 1,
-       "kelfont pack: cannot create " + dir.file("none/q.zip.partial") +
-           ": No such file or directory\n"},
+       "kelfont pack: output folder not found: " + dir.file("none") + "\n"},
       {{"measure"}, 2, "kelfont measure: missing TEXT... (see --help)\n"},
       {{"measure", "--size", "0", "x"}, 2,
        "kelfont measure: --size needs a number of pixels above 0, not '0'\n"},
@@ -63,7 +68,10 @@ TEST(CommandLine, BadArgumentsAndMissingInputsGiveAClearMessageAndExitCode) {
        "kelfont measure: cannot create the cache folder " + lists + "/fc/\n"},
       {{"render", "x"}, 2, "kelfont render: missing -o FILE (see --help)\n"},
       {{"render", "--storage", dir.file("s"), "--fonts", fonts, "--font", "KelTest Basic", "-o",
-        dir.file("none/a.svg"), "x"}, 1, "kelfont render: cannot write " + dir.file("none/a.svg") + "\n"},
+        dir.file("none/a.svg"), "x"}, 1, "kelfont render: output folder not found: " +
+       dir.file("none") + "\n"},
+      {{"render", "--storage", dir.file("s"), "--fonts", fonts, "--font", "KelTest Basic", "-o",
+        lists, "x"}, 1, "kelfont render: cannot write " + lists + "\n"},
       {{"fallback", "U+110000"}, 2, "kelfont fallback: not a code point: U+110000\n"},
       {{"fonts", "extra"}, 2, "kelfont fonts: unexpected argument 'extra' (see --help)\n"},
   };

@@ -17,6 +17,9 @@ int RunFallback(const std::vector<std::string>& args, Console& console);
 
 // A size in pixels: a number above 0 and up to 10000.
 bool parseSize(const std::string& text, double& size);
+// Whether the folder that is to hold `file` exists (checked before a long
+// run rather than after it).
+bool outputFolderExists(const std::string& file, std::string& folder);
 
 // One line per subcommand, for the tool's overall help.
 struct CommandInfo {

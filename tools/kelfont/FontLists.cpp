@@ -9,7 +9,6 @@
 #include <iterator>
 
 #include "common/registry/DataFileNames.h"
-#include "common/registry/FontTable.h"
 
 namespace kelfont_tool {
 
@@ -208,16 +207,6 @@ bool FontLists::CheckScripts(const std::string& name, const std::string& bytes) 
     names_.emplace_back(name, line.text);
   }
   return true;
-}
-
-std::vector<std::string> FontLists::UnknownNames(const qro_common::FontTable& table) const {
-  std::vector<std::string> unknown;
-  for (const auto& [list, name] : names_) {
-    if (table.GetFontIndex(name) < 0) unknown.push_back(list + ": " + name);
-  }
-  std::sort(unknown.begin(), unknown.end());
-  unknown.erase(std::unique(unknown.begin(), unknown.end()), unknown.end());
-  return unknown;
 }
 
 }  // namespace kelfont_tool

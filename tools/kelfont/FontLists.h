@@ -4,10 +4,6 @@
 #include <utility>
 #include <vector>
 
-namespace qro_common {
-class FontTable;
-}
-
 namespace kelfont_tool {
 
 // The list files of a package, read from a folder and checked for the
@@ -38,8 +34,6 @@ class FontLists {
   }
   // Every font name a list mentions, with the list it is in.
   const std::vector<std::pair<std::string, std::string>>& GetNames() const { return names_; }
-  // "<list>: <name>" for each name that `table` does not know.
-  std::vector<std::string> UnknownNames(const qro_common::FontTable& table) const;
 
   const std::vector<std::string>& GetWarnings() const { return warnings_; }
   const std::string& GetError() const { return error_; }

@@ -7,6 +7,13 @@
 
 namespace kelfont_tool {
 
+bool outputFolderExists(const std::string& file, std::string& folder) {
+  const std::size_t slash = file.find_last_of('/');
+  folder = slash == std::string::npos ? "." : slash == 0 ? "/" : file.substr(0, slash);
+  struct stat st;
+  return stat(folder.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
 int RunPack(const std::vector<std::string>& args, Console& console) {
   ArgParser parser("pack",
                    "Analyses the fonts directly inside the given folders and writes the default\n"
@@ -50,7 +57,17 @@ int RunPack(const std::vector<std::string>& args, Console& console) {
     return kExitUsage;
   }
 
+  std::string folder;
+  if (!outputFolderExists(output, folder)) {
+    console.err << "kelfont pack: output folder not found: " << folder << '\n';
+    return kExitFailure;
+  }
+
   PackageWriter writer;
+  if (!writer.ReadLists(parser.Value("lists"))) {
+    console.err << "kelfont pack: " << writer.GetError() << '\n';
+    return kExitFailure;
+  }
   {
     ProgressBar bar(console.err, console.errIsTerminal, "analysing");
     writer.SetProgress([&bar](std::size_t done, std::size_t total, const std::string& file) {
@@ -63,14 +80,15 @@ int RunPack(const std::vector<std::string>& args, Console& console) {
       return kExitFailure;
     }
   }
-  if (!writer.ReadLists(parser.Value("lists")) || !writer.Write(output)) {
-    console.err << "kelfont pack: " << writer.GetError() << '\n';
-    return kExitFailure;
-  }
+  const bool written = writer.Write(output);
   for (const std::string& warning : writer.GetWarnings()) {
     console.err << "kelfont pack: warning: " << warning << '\n';
   }
-  const auto& unknown = writer.GetUnknownListNames();
+  if (!written) {
+    console.err << "kelfont pack: " << writer.GetError() << '\n';
+    return kExitFailure;
+  }
+  const std::vector<std::string> unknown = writer.GetUnknownListNames();
   if (parser.Has("verbose")) {
     for (const std::string& name : unknown) {
       console.err << "kelfont pack: note: not among the packed fonts: " << name << '\n';

@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -158,23 +159,27 @@ bool PackageWriter::AnalyzeDirectories(const std::vector<std::string>& directori
 
 bool PackageWriter::AnalyzeFile(qro_common::FontFileAnalyzer& analyzer, const std::string& path,
                                 std::size_t& expected) {
-  const std::string file = path.substr(path.find_last_of('/') + 1);
+  const std::string name = path.substr(path.find_last_of('/') + 1);
   if (!AnalyzeFace(analyzer, path, 0)) {
     if (dataFailed_) return false;
-    warnings_.push_back("skipped " + path + ": not a font FreeType can read, or no OS/2 table");
-    if (progress_) progress_(++facesDone_, expected, file);
+    FILE* file = std::fopen(path.c_str(), "rb");
+    warnings_.push_back("skipped " + path + ": " +
+                        (file == nullptr ? std::string(std::strerror(errno))
+                                         : "not a font FreeType can read, or no OS/2 table"));
+    if (file != nullptr) std::fclose(file);
+    if (progress_) progress_(++facesDone_, expected, name);
     return true;
   }
   ++fileCount_;
   const int faces = analyzer.GetFaceCount();
   expected += faces > 1 ? faces - 1 : 0;
-  if (progress_) progress_(++facesDone_, expected, file);
+  if (progress_) progress_(++facesDone_, expected, name);
   for (int face = 1; face < faces; ++face) {
     if (!AnalyzeFace(analyzer, path, face)) {
       if (dataFailed_) return false;
       warnings_.push_back("skipped face " + std::to_string(face) + " of " + path);
     }
-    if (progress_) progress_(++facesDone_, expected, file);
+    if (progress_) progress_(++facesDone_, expected, name);
   }
   return true;
 }
@@ -241,8 +246,18 @@ bool PackageWriter::ReadLists(const std::string& directory) {
   if (!lists.Read(directory)) return Fail(lists.GetError());
   lists_ = lists.GetEntries();
   warnings_.insert(warnings_.end(), lists.GetWarnings().begin(), lists.GetWarnings().end());
-  unknownListNames_ = lists.UnknownNames(table_);
+  listNames_ = lists.GetNames();
   return true;
+}
+
+std::vector<std::string> PackageWriter::GetUnknownListNames() const {
+  std::vector<std::string> unknown;
+  for (const auto& [list, name] : listNames_) {
+    if (table_.GetFontIndex(name) < 0) unknown.push_back(list + ": " + name);
+  }
+  std::sort(unknown.begin(), unknown.end());
+  unknown.erase(std::unique(unknown.begin(), unknown.end()), unknown.end());
+  return unknown;
 }
 
 std::vector<std::string> PackageWriter::GetEntryNames() const {

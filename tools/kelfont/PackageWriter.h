@@ -58,8 +58,7 @@ class PackageWriter {
   bool AnalyzeDirectories(const std::vector<std::string>& directories);
   // Takes the list files "fc", "df", "sf" (all three required) and every
   // "sf_<language>" from `directory`. False, with Error() set, when one is
-  // missing, unreadable, empty or malformed; see FontLists. Call it after
-  // the analysis, which the names are checked against.
+  // missing, unreadable, empty or malformed; see FontLists.
   bool ReadLists(const std::string& directory);
   // Writes the package to `path` (through "<path>.partial", renamed at the
   // end, so a failed run leaves no half package). False with Error() set.
@@ -70,9 +69,9 @@ class PackageWriter {
   // Names of the package entries that Write() puts in, in order.
   std::vector<std::string> GetEntryNames() const;
   const std::vector<std::string>& GetWarnings() const { return warnings_; }
-  // "<list>: <name>" for every list name that no packed face has: fonts
+  // "<list>: <name>" for every list name that no analysed face has: fonts
   // that documents ask for, or that are used where installed.
-  const std::vector<std::string>& GetUnknownListNames() const { return unknownListNames_; }
+  std::vector<std::string> GetUnknownListNames() const;
   const std::string& GetError() const { return error_; }
 
  private:
@@ -89,7 +88,7 @@ class PackageWriter {
   std::string staging_;  // ends in "/"; empty until needed
   std::vector<std::pair<std::string, std::string>> lists_;  // entry name, bytes
   std::vector<std::string> warnings_;
-  std::vector<std::string> unknownListNames_;
+  std::vector<std::pair<std::string, std::string>> listNames_;  // list, font name
   std::string error_;
   std::size_t fileCount_ = 0;
   std::size_t facesDone_ = 0;

@@ -110,6 +110,11 @@ int RunRender(const std::vector<std::string>& args, Console& console) {
                 << parser.Value("size") << "'\n";
     return kExitUsage;
   }
+  std::string folder;
+  if (!outputFolderExists(parser.Value("output"), folder)) {
+    console.err << "kelfont render: output folder not found: " << folder << '\n';
+    return kExitFailure;
+  }
   std::string text;
   for (const std::string& part : parser.Positional()) text += (text.empty() ? "" : " ") + part;
 
