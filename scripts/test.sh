@@ -2,7 +2,8 @@
 # Installs what is missing, builds everything (library, kelfont tool,
 # tests) with warnings as errors and runs every test (the library's, the
 # tool's, and the install test that builds a host against an installed
-# tree): the normal build, then the AddressSanitizer + UBSan build.
+# tree): the normal build, then the AddressSanitizer + UBSan build; last, a
+# ThreadSanitizer build of the concurrency tests only.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -18,14 +19,17 @@ run_suite() {
   local dir=build-ci-$name
   echo "=== $name build ==="
   cmake -S . -B "$dir" -DKELFONT_WERROR=ON "$@" >/dev/null
-  cmake --build "$dir" -j"$jobs"
+  cmake --build "$dir" -j"$jobs" ${SUITE_TARGET:+--target "$SUITE_TARGET"}
   echo "=== $name tests ==="
-  if ! ctest --test-dir "$dir" -j"$jobs" --output-on-failure --timeout 600; then
+  if ! ctest --test-dir "$dir" -j"$jobs" --output-on-failure --timeout 600 --no-tests=error \
+       ${SUITE_TESTS:+-R "$SUITE_TESTS"}; then
     status=1
   fi
 }
 
 run_suite release -DCMAKE_BUILD_TYPE=RelWithDebInfo
 run_suite asan -DCMAKE_BUILD_TYPE=Debug -DKELFONT_SANITIZE=ON
+SUITE_TARGET=kelfont_common_tests SUITE_TESTS=Concurren \
+  run_suite tsan -DCMAKE_BUILD_TYPE=Debug -DKELFONT_TSAN=ON
 
 exit $status

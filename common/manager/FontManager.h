@@ -263,8 +263,7 @@ class FontManager : public qro_base::NonCopyable {
   // Query caches: the first answer for a key stays.
   std::unordered_map<CharKey, float, CharKeyHash> advanceRatioCache_;
   std::unordered_map<CharKey, float, CharKeyHash> glyphAdvanceCache_;
-  std::unordered_map<VisibleCharInfoKey, VisibleCharInfo, VisibleCharInfoKeyHash>
-      visibleCharCache_;
+  std::unordered_map<VisibleCharInfoKey, VisibleCharInfo, VisibleCharInfoKeyHash> visibleCharCache_;
   mutable std::unordered_map<FontKey, FontInfo*, FontKeyHash> systemFontCache_;
   std::unordered_map<ScriptFontKey, FontInfo*, ScriptFontKeyHash> scriptFontCache_;
   // Guarded by mutex_.

@@ -199,7 +199,8 @@ FontInfo* FontManager::ResolveSystemFontInfo(int fontIndex, bool bold, bool ital
       }
     }
     if (info == nullptr) {
-      info = fontTable_->GetFontInfo(defaultFontIndexes_[kDefaultFontCount - 1], bold, italic, true);
+      info =
+          fontTable_->GetFontInfo(defaultFontIndexes_[kDefaultFontCount - 1], bold, italic, true);
     }
   }
   systemFontCache_.emplace(key, info);
@@ -231,7 +232,8 @@ FontInfo* FontManager::ResolveSystemFontInfo(int fontIndex, int script, bool bol
       info = fontTable_->GetFontInfo(GetDefaultFontIndexByScriptType(script), bold, italic, false);
     }
     if (info == nullptr) {
-      info = fontTable_->GetFontInfo(defaultFontIndexes_[kDefaultFontCount - 1], bold, italic, false);
+      info =
+          fontTable_->GetFontInfo(defaultFontIndexes_[kDefaultFontCount - 1], bold, italic, false);
     }
   }
   scriptFontCache_.emplace(key, info);

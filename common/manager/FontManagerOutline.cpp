@@ -49,11 +49,9 @@ int conicTo(const FT_Vector* control, const FT_Vector* to, void* user) {
   return 0;
 }
 
-int cubicTo(const FT_Vector* control1, const FT_Vector* control2, const FT_Vector* to,
-            void* user) {
-  static_cast<qro_graphics::Path*>(user)->cubicTo(pathX(control1), pathY(control1),
-                                                  pathX(control2), pathY(control2), pathX(to),
-                                                  pathY(to));
+int cubicTo(const FT_Vector* control1, const FT_Vector* control2, const FT_Vector* to, void* user) {
+  static_cast<qro_graphics::Path*>(user)->cubicTo(pathX(control1), pathY(control1), pathX(control2),
+                                                  pathY(control2), pathX(to), pathY(to));
   return 0;
 }
 
@@ -93,8 +91,8 @@ int FontManager::OutlineToPath(const FontInfo* info, unsigned ch, float& x, floa
   return drawGlyph(face, FT_Get_Char_Index(face, ch), false, x, path);
 }
 
-int FontManager::GlyphOutlineToPath(const FontInfo* info, unsigned glyphIndex, float& x,
-                                    float& y, qro_graphics::Path* path) {
+int FontManager::GlyphOutlineToPath(const FontInfo* info, unsigned glyphIndex, float& x, float& y,
+                                    qro_graphics::Path* path) {
   gOriginX = truncateToInt(x);
   gOriginY = truncateToInt(y);
   if (info == nullptr || path == nullptr) return -1;

@@ -145,10 +145,12 @@ int FontManager::GetDefaultFontIndexByScriptType(int script) const {
   switch (script) {
     case 0:
       return defaultFontIndexes_[0];
+    // clang-format off
     case 11: case 13: case 15: case 16: case 24: case 25:
       return defaultFontIndexes_[3];
     case 48: case 49: case 50: case 52: case 54: case 55: case 56: case 59: case 61: case 65:
     case 68:
+      // clang-format on
       return defaultFontIndexes_[2];
     default:
       return defaultFontIndexes_[1];

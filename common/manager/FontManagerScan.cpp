@@ -48,7 +48,8 @@ void FontManager::UpdateFontInfo(FontInfoSerializer& serializer) {
 
   std::vector<FontInfo*> infos;
   infos.reserve(static_cast<std::size_t>(fontTable_->GetFontInfoCount()));
-  for (int i = 0; i < fontTable_->GetFontInfoCount(); ++i) infos.push_back(fontTable_->GetFontInfo(i));
+  for (int i = 0; i < fontTable_->GetFontInfoCount(); ++i)
+    infos.push_back(fontTable_->GetFontInfo(i));
   serializer.Write(infos, fontDirectoryPathList_);
   LoadDefaultFont(serializer);
 }

@@ -9,9 +9,10 @@ namespace {
 
 // Fonts whose bold advances are narrowed by AdjustAdvanceRatio().
 const char* const kAdvanceRatioAdjustFonts[] = {
-    "굴림", "굴림체", "돋움", "돋움체", "바탕", "바탕체", "궁서", "다래바탕",
+    "굴림",     "굴림체", "돋움",     "돋움체",    "바탕",     "바탕체",     "궁서",    "다래바탕",
     "다래돋움", "새굴림", "휴먼고딕", "휴먼모음T", "휴먼옛체", "휴먼매직체", "한양해서"};
 
+// clang-format off
 const char* const kAdjustSpacingFonts[] = {
     "굴림", "굴림체", "궁서", "궁서체", "돋움", "돋움체", "바탕", "바탕체",
     "산돌고딕M_0805", "산돌명조M_0805", "산돌바른생활", "산돌별사탕", "산돌별헤는밤M_0805",
@@ -22,6 +23,7 @@ const char* const kAdjustSpacingFonts[] = {
     "HY목각파임B", "HY목판L", "HY바다L", "HY바다M", "HY백송B", "HY산B", "HY센스L", "HY수평선B",
     "HY수평선M", "HY신명조", "HY엽서L", "HY엽서M", "HY울릉도B", "HY울릉도M", "HY중고딕",
     "HY크리스탈M", "HY태백B", "HY헤드라인M"};
+// clang-format on
 
 // Fonts whose CJK flag is cleared when their information is built.
 const char* const kCJKExceptFonts[] = {"Times New Roman"};
@@ -41,9 +43,9 @@ constexpr float kBelowAll = -3.4e38f;
 constexpr float kAboveAll = 3.4e38f;
 
 const Band kBands[] = {
-    {1000, 1050, 19}, {540, 588, 10},       {588, 640, 11},       {640, 690, 12},
-    {690, 750, 13},   {750, 800, 14},       {kBelowAll, 280, 4},  {kBelowAll, 330, 5},
-    {kBelowAll, 385, 6}, {kBelowAll, 433, 7}, {kBelowAll, 488, 8}, {kBelowAll, 538, 9},
+    {1000, 1050, 19},     {540, 588, 10},       {588, 640, 11},       {640, 690, 12},
+    {690, 750, 13},       {750, 800, 14},       {kBelowAll, 280, 4},  {kBelowAll, 330, 5},
+    {kBelowAll, 385, 6},  {kBelowAll, 433, 7},  {kBelowAll, 488, 8},  {kBelowAll, 538, 9},
     {kBelowAll, 850, 15}, {kBelowAll, 900, 16}, {kBelowAll, 950, 17}, {kBelowAll, 1000, 18},
 };
 constexpr float kAboveBandsDelta = 20;

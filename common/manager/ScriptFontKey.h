@@ -28,10 +28,10 @@ struct ScriptFontKey {
 
 struct ScriptFontKeyHash {
   std::size_t operator()(const ScriptFontKey& key) const {
-    std::uint64_t x = (static_cast<std::uint64_t>(static_cast<std::uint32_t>(key.fontIndex)) << 10) |
-                      (static_cast<std::uint64_t>(key.script) << 2) |
-                      (static_cast<std::uint64_t>(key.bold) << 1) |
-                      static_cast<std::uint64_t>(key.italic);
+    std::uint64_t x =
+        (static_cast<std::uint64_t>(static_cast<std::uint32_t>(key.fontIndex)) << 10) |
+        (static_cast<std::uint64_t>(key.script) << 2) |
+        (static_cast<std::uint64_t>(key.bold) << 1) | static_cast<std::uint64_t>(key.italic);
     x *= 0x9e3779b97f4a7c15ULL;
     return static_cast<std::size_t>(x ^ (x >> 32));
   }

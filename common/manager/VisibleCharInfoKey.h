@@ -30,8 +30,8 @@ struct VisibleCharInfo {
 
 struct VisibleCharInfoKeyHash {
   std::size_t operator()(const VisibleCharInfoKey& key) const {
-    std::uint64_t x = (static_cast<std::uint64_t>(key.code) << 32) |
-                      static_cast<std::uint32_t>(key.fontIndex);
+    std::uint64_t x =
+        (static_cast<std::uint64_t>(key.code) << 32) | static_cast<std::uint32_t>(key.fontIndex);
     x ^= x >> 33;
     x *= 0xff51afd7ed558ccdULL;
     x ^= x >> 33;

@@ -44,6 +44,8 @@ except cff.otf):
                         English")
   symbol.ttf            a (3,0) map only (U+F020, F041, F042, F0B6), no glyph
                         names, code-page bit 31
+  wingdings.ttf         symbol.ttf's tables under the family "Wingdings", a
+                        name the font table flags as a symbol font
   noos2.ttf             no OS/2 table
   kern_tilde_missing.ttf  kerning, every printable ASCII character but "~"
   kern_outside_ascii.ttf  all printable ASCII, kerning only between U+00C4
@@ -520,6 +522,10 @@ FONTS = [
     # FreeType cannot make up a Unicode map from glyph names.
     dict(file="symbol.ttf", family="KelTest Symbol", cmap="symbol", glyph_names=False,
          glyphs=small_glyphs((0xF020, 0xF041, 0xF042, 0xF0B6)), base=580, step=7,
+         os2=dict(ulUnicodeRange1=0, ulUnicodeRange2=0, ulUnicodeRange3=0,
+                  ulUnicodeRange4=0, ulCodePageRange1=0x80000000, ulCodePageRange2=0)),
+    dict(file="wingdings.ttf", family="Wingdings", cmap="symbol", glyph_names=False,
+         glyphs=small_glyphs((0xF020, 0xF041, 0xF042, 0xF0B6)), base=585, step=7,
          os2=dict(ulUnicodeRange1=0, ulUnicodeRange2=0, ulUnicodeRange3=0,
                   ulUnicodeRange4=0, ulCodePageRange1=0x80000000, ulCodePageRange2=0)),
     dict(file="noos2.ttf", family="KelTest NoOS2", os2=None,

@@ -1,0 +1,138 @@
+// Glyph outlines drawn into a recording path, against the glyphs as FreeType
+// (called here directly) and the font generator see them.
+
+#include <ft2build.h>
+#include <gtest/gtest.h>
+#include FT_FREETYPE_H
+#include FT_OUTLINE_H
+
+#include "common/font_info/FontInfo.h"
+#include "common/manager/Path.h"
+#include "tests/common/manager/ManagerScenario.h"
+#include "tests/support/TestFonts.h"
+
+namespace kelfont_test {
+namespace {
+
+using Commands = std::vector<std::vector<float>>;  // {op, coordinates...}
+
+struct RecordingPath : qro_graphics::Path {
+  Commands commands;
+  void reset() override { commands.push_back({'R'}); }
+  void moveTo(float x, float y) override { commands.push_back({'M', x, y}); }
+  void lineTo(float x, float y) override { commands.push_back({'L', x, y}); }
+  void quadTo(float a, float b, float x, float y) override {
+    commands.push_back({'Q', a, b, x, y});
+  }
+  void cubicTo(float a, float b, float c, float d, float x, float y) override {
+    commands.push_back({'C', a, b, c, d, x, y});
+  }
+};
+
+// A glyph of basic.ttf loaded by FreeType at 32 pixels per em (grid-fitted):
+// its outline placed at (ox, oy) with y downward, and its metrics.
+struct Reference {
+  Commands commands;
+  FT_Glyph_Metrics metrics;
+};
+
+Reference freetypeGlyph(unsigned glyph, int ox, int oy) {
+  struct Context {
+    Commands out;
+    int ox, oy;
+    void add(char op, std::initializer_list<const FT_Vector*> points) {
+      out.push_back({float(op)});
+      for (const FT_Vector* p : points) {
+        out.back().push_back(float(ox + p->x));
+        out.back().push_back(float(oy - p->y));
+      }
+    }
+  } c{{}, ox, oy};
+  FT_Outline_Funcs funcs = {};
+  funcs.move_to = [](const FT_Vector* p, void* u) {
+    return static_cast<Context*>(u)->add('M', {p}), 0;
+  };
+  funcs.line_to = [](const FT_Vector* p, void* u) {
+    return static_cast<Context*>(u)->add('L', {p}), 0;
+  };
+  funcs.conic_to = [](const FT_Vector* a, const FT_Vector* p, void* u) {
+    return static_cast<Context*>(u)->add('Q', {a, p}), 0;
+  };
+  funcs.cubic_to = [](const FT_Vector* a, const FT_Vector* b, const FT_Vector* p, void* u) {
+    return static_cast<Context*>(u)->add('C', {a, b, p}), 0;
+  };
+  FT_Library library;
+  FT_Face face;
+  FT_Init_FreeType(&library);
+  EXPECT_EQ(FT_New_Face(library, testFontPath("basic.ttf").c_str(), 0, &face), 0);
+  FT_Set_Pixel_Sizes(face, 0, 32);
+  EXPECT_EQ(FT_Load_Glyph(face, glyph, FT_LOAD_DEFAULT), 0);
+  FT_Outline_Decompose(&face->glyph->outline, &funcs, &c);
+  Reference reference{c.out, face->glyph->metrics};
+  FT_Done_FreeType(library);
+  return reference;
+}
+
+class FontManagerOutlineTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(loadExpectedFace("basic.ttf", 0, &basic));
+    info.SetFilePath(new std::string(testFontPath("basic.ttf")));
+    info.SetInfoIndex(0);
+  }
+  unsigned glyphOf(unsigned ch) const { return unsigned(basic.chars.at(ch).glyph); }
+
+  ExpectedFace basic;
+  qro_common::FontInfo info;
+  TestFontManager manager{nullptr, "", {}};
+  RecordingPath path;
+};
+
+TEST_F(FontManagerOutlineTest, GlyphsAreDrawnFromTheTruncatedPenWithYFlipped) {
+  for (unsigned ch : {'A', 'O', 'o', ' '}) {
+    RecordingPath drawn;
+    float x = 100.7f, y = 50.2f;
+    ASSERT_EQ(manager.OutlineToPath(&info, ch, x, y, &drawn), 0);
+    Reference reference = freetypeGlyph(glyphOf(ch), 100, 50);
+    EXPECT_EQ(drawn.commands, reference.commands) << ch;
+    EXPECT_EQ(drawn.commands.empty(), ch == ' ');  // a space draws nothing
+    EXPECT_FLOAT_EQ(x, 100.7f + float(reference.metrics.horiAdvance)) << ch;
+    EXPECT_FLOAT_EQ(y, 50.2f);
+    // 2048 units per em, basic.ttf's own: up to the grid fitting of one
+    // pixel (64 units), path units are font units.
+    EXPECT_NEAR(reference.metrics.horiAdvance, basic.chars.at(ch).advance, 64);
+  }
+  // "A" is one triangle, closed by a line back to its start.
+  float x = 0, y = 0;
+  manager.OutlineToPath(&info, 'A', x, y, &path);
+  const auto& contour = basic.outlines.at(int(glyphOf('A'))).at(0);
+  ASSERT_EQ(path.commands.size(), contour.size() + 1);
+  for (std::size_t i = 0; i < path.commands.size(); ++i) {
+    EXPECT_EQ(path.commands[i][0], i == 0 ? 'M' : 'L');
+    EXPECT_NEAR(path.commands[i][1], contour[i % contour.size()].x, 64) << i;
+    EXPECT_NEAR(path.commands[i][2], -contour[i % contour.size()].y, 64) << i;
+  }
+}
+
+TEST_F(FontManagerOutlineTest, GlyphIndexMovesOnlyThePenByTheSideBearing) {
+  float x = 100.7f, y = 50.2f;
+  ASSERT_EQ(manager.GlyphOutlineToPath(&info, glyphOf('A'), x, y, &path), 0);
+  Reference reference = freetypeGlyph(glyphOf('A'), 100, 50);
+  EXPECT_EQ(path.commands, reference.commands);
+  ASSERT_LT(reference.metrics.width, reference.metrics.horiAdvance);
+  EXPECT_FLOAT_EQ(x,
+                  100.7f + float(reference.metrics.horiBearingX + reference.metrics.horiAdvance));
+
+  qro_common::FontInfo missing;
+  missing.SetFilePath(new std::string("/nonexistent/font.ttf"));
+  missing.SetInfoIndex(7);
+  RecordingPath untouched;
+  x = 5;
+  EXPECT_EQ(manager.OutlineToPath(&missing, 'A', x, y, &untouched), -1);
+  EXPECT_EQ(manager.GlyphOutlineToPath(nullptr, 1, x, y, &untouched), -1);
+  EXPECT_FLOAT_EQ(x, 5);
+  EXPECT_TRUE(untouched.commands.empty());
+}
+
+}  // namespace
+}  // namespace kelfont_test

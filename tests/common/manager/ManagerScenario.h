@@ -1,0 +1,50 @@
+#pragma once
+// Font managers set up as a host would: real fonts linked into two font
+// directories, a default package built for them, a storage directory.
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common/manager/FontManager.h"
+#include "native/DefaultFontInfoFileExtracter.h"
+#include "tests/support/TempDir.h"
+
+namespace kelfont_test {
+
+// A manager on the storage and font directories given (no system fonts).
+class TestFontManager : public qro_common::FontManager {
+ public:
+  TestFontManager(qro_common::FontInfoFileExtracter* extracter, const std::string& storage,
+                  const std::vector<std::string>& directories)
+      : FontManager(extracter) {
+    SetStoragePath(storage);
+    for (const std::string& directory : directories) AddFontDirectoryPath(directory);
+  }
+};
+
+// Directory A: DejaVu Sans, Liberation Serif, basic.ttf, wingdings.ttf,
+// collection.ttc (3 faces); B: NanumGothic. The package: 32 package-only
+// fonts "Pkg00".."Pkg31" (basic.ttf's record and data, no file); chains
+// "Liberation Serif" and "굴림" -> NanumGothic; default fonts DejaVu Sans,
+// DejaVu Sans, NanumGothic, DejaVu Sans, DejaVu Sans; script defaults
+// 56 -> NanumGothic ("sf") and 56 -> Liberation Serif ("sf_ko-KR").
+struct Scenario {
+  TempDir root;
+  std::string dirA, dirB, packageDir;
+  static const Scenario& get();  // built once per process
+};
+constexpr int kScenarioFaceCount = 8;
+constexpr int kPackageFontCount = 32;
+std::string packageFontName(int n);
+
+struct ManagerRig {
+  std::unique_ptr<qro_ni::DefaultFontInfoFileExtracter> extracter;
+  std::unique_ptr<TestFontManager> manager;
+  TestFontManager* operator->() const { return manager.get(); }
+};
+
+// An initialised manager on `storage` (ending in "/") and the package.
+ManagerRig start(const std::string& storage, const std::vector<std::string>& directories);
+
+}  // namespace kelfont_test
