@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds with warnings as errors and runs every
-# test: the normal build, then the AddressSanitizer + UBSan build; last, a
+# Installs what is missing, builds everything (library, kelfont tool,
+# tests) with warnings as errors and runs every test (the library's, the
+# tool's, and the install test that builds a host against an installed
+# tree): the normal build, then the AddressSanitizer + UBSan build; last, a
 # ThreadSanitizer build of the concurrency tests only.
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -1,0 +1,92 @@
+// The shipped lists of data/ with the free fonts of Debian: the package
+// builds without a list warning, every default font and every script
+// range finds a font, and characters fall back to fonts that have them.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <string>
+#include <vector>
+
+#include "base/Environment.h"
+#include "base/Locale.h"
+#include "native/DefaultFontInfoFileExtracter.h"
+#include "tests/support/TempDir.h"
+#include "tests/tools/ToolTestSupport.h"
+#include "tools/kelfont/ToolFontManager.h"
+
+namespace {
+
+using kelfont_test::TempDir;
+
+const std::vector<std::string> kDebianFonts = {"/usr/share/fonts/truetype/dejavu",
+                                               "/usr/share/fonts/truetype/liberation",
+                                               "/usr/share/fonts/truetype/nanum"};
+
+struct Fallback {
+  const char* font;
+  unsigned code;
+  const char* shownBy;
+};
+
+void expectRoads(const std::string& storage, const std::string& packageDir,
+                 const std::vector<Fallback>& roads, const char* shownByForCircledOne) {
+  qro_ni::DefaultFontInfoFileExtracter extracter(storage, packageDir);
+  kelfont_tool::ToolFontManager manager(&extracter, storage, kDebianFonts);
+  manager.Initialize();
+  const char* defaults[] = {"Liberation Sans", "DejaVu Sans", "NanumGothic", "DejaVu Sans",
+                            "DejaVu Sans"};
+  for (int n = 0; n < 5; ++n) EXPECT_EQ(manager.GetFontName(manager.GetDefaultFontIndex(n)), defaults[n]);
+  const std::vector<int>& scripts = manager.GetScriptDefaultFontList();
+  ASSERT_EQ(scripts.size(), 128u);
+  for (int range = 0; range < 128; ++range) EXPECT_GE(scripts[range], 0) << range;
+  std::vector<Fallback> all = roads;
+  // A font without a chain goes to the script default font of the range.
+  all.push_back({"DejaVu Sans Light", 0x2460, shownByForCircledOne});
+  for (const Fallback& road : all) {
+    int font = manager.GetFontIndex(road.font);
+    unsigned code = road.code;
+    ASSERT_GE(font, 0) << road.font;
+    manager.ConfirmVisibleChar(font, code, false, false);
+    EXPECT_EQ(manager.GetFontName(font), road.shownBy) << road.font << " " << road.code;
+    EXPECT_EQ(code, road.code);
+  }
+}
+
+TEST(DefaultLists, FreeDebianFontsFallBackSensibly) {
+  for (const std::string& directory : kDebianFonts) {
+    struct stat st;
+    if (stat(directory.c_str(), &st) != 0) {
+      GTEST_SKIP() << "needs fonts-dejavu-core, fonts-liberation and fonts-nanum "
+                      "(scripts/install-deps.sh)";
+    }
+  }
+  TempDir dir;
+  std::string err;
+  std::vector<std::string> args{"pack", "--quiet", "--lists", KELFONT_DATA_DIR, "-o",
+                                dir.file("qrfont.zip"), "--fonts"};
+  args.insert(args.end(), kDebianFonts.begin(), kDebianFonts.end());
+  ASSERT_EQ(kelfont_test::runTool(args, nullptr, &err), 0) << err;
+  EXPECT_EQ(err, "");
+
+  const std::vector<Fallback> roads = {
+      {"Liberation Sans", 'A', "Liberation Sans"},
+      {"Liberation Sans", 0xC138, "NanumGothic"},  // Hangul
+      {"Liberation Sans", 0x6F22, "NanumGothic"},  // Han
+      {"Liberation Sans", 0x3042, "NanumGothic"},  // Hiragana
+      {"Liberation Sans", 0x2713, "DejaVu Sans"},  // Dingbats
+      {"NanumGothic", 0x0150, "Liberation Sans"},  // Latin Extended-A
+      {"DejaVu Sans Mono", 0xAC00, "NanumGothicCoding"},
+      {"Arial", 'A', "Liberation Sans"},  // fonts that documents ask for
+      {"Times New Roman", 'a', "Liberation Serif"},
+      {"\xEB\xA7\x91\xEC\x9D\x80 \xEA\xB3\xA0\xEB\x94\x95", 0xAC00, "NanumGothic"},  // 맑은 고딕
+  };
+  expectRoads(dir.file("neutral/"), dir.path() + "/", roads, "DejaVu Sans");
+  qro_base::Environment& environment = qro_base::ensureEnvironment();
+  const qro_base::Locale previous = environment.GetUILocale();
+  environment.SetUILocale(qro_base::Locale("ko", "KR"));
+  expectRoads(dir.file("korean/"), dir.path() + "/", roads, "NanumGothic");
+  environment.SetUILocale(previous);
+}
+
+}  // namespace

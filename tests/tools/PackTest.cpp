@@ -1,0 +1,165 @@
+// The package written by `kelfont pack`, read back with an independent zip
+// reader and the library's cache reader, against the generated fonts' own
+// tables.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "common/font_info/CharMetrics.h"
+#include "common/font_info/CharMetricsInfo.h"
+#include "common/font_info/FontInfo.h"
+#include "common/font_info/FontInfoSerializer.h"
+#include "common/font_info/KerningInfo.h"
+#include "common/registry/FontTable.h"
+#include "native/DefaultFontInfoFileExtracter.h"
+#include "tests/support/TempDir.h"
+#include "tests/support/TestFonts.h"
+#include "tests/tools/ToolTestSupport.h"
+#include "tools/kelfont/ToolFontManager.h"
+
+namespace {
+
+using kelfont_test::readFile;
+using kelfont_test::TempDir;
+
+int facesWithOs2() {
+  int count = 0;
+  for (const std::string& file : kelfont_test::testFontFiles()) {
+    for (int face = 0; face < kelfont_test::expectedFaceCount(file); ++face) {
+      kelfont_test::ExpectedFace expected;
+      if (kelfont_test::loadExpectedFace(file, face, &expected) && expected.hasOs2) ++count;
+    }
+  }
+  return count;
+}
+
+TEST(Pack, PackageHoldsEveryFaceByMetricsOnlyWithItsAdvancesAndTheLists) {
+  TempDir dir;
+  const std::string zip = kelfont_test::packTestFonts(dir);
+  ASSERT_FALSE(zip.empty());
+  const std::vector<std::string> names = kelfont_test::zipNames(zip);
+  ASSERT_GE(names.size(), 5u);
+  EXPECT_EQ(names.front(), "Ftable");
+  EXPECT_EQ(std::vector<std::string>(names.end() - 4, names.end()),
+            (std::vector<std::string>{"fc", "df", "sf", "sf_ko-KR"}));
+  const std::string store = dir.file("store") + "/";
+  ASSERT_TRUE(kelfont_test::unzipTo(zip, store + "FInfo"));
+  for (const char* list : {"fc", "df", "sf", "sf_ko-KR"}) {
+    EXPECT_EQ(readFile(store + "FInfo/" + list), readFile(dir.file("lists/") + list)) << list;
+  }
+
+  qro_common::FontInfoSerializer serializer(store);
+  std::vector<qro_common::FontInfo*> infos;
+  ASSERT_TRUE(serializer.Read(infos));
+  EXPECT_EQ(static_cast<int>(infos.size()), facesWithOs2());
+  EXPECT_EQ(serializer.GetFontDirectoryTimes().size(), 0u);
+  qro_common::FontTable table;
+  for (qro_common::FontInfo* info : infos) table.RegisterFontInfo(info, true);
+  for (int i = 0; i < table.GetFontInfoCount(); ++i) {
+    qro_common::FontInfo* info = table.GetFontInfo(i);
+    EXPECT_EQ(info->GetFilePath(), nullptr) << *info->GetFontName();
+    EXPECT_NE(std::find(names.begin(), names.end(), "Fdata/" + std::to_string(i)), names.end())
+        << *info->GetFontName();
+  }
+
+  struct Case {
+    const char* fontName;
+    const char* style;
+    const char* file;
+    int face;
+  };
+  const Case cases[] = {
+      {"KelTest Basic", "Regular", "basic.ttf", 0},
+      {"KelTest Basic", "Bold", "bold.ttf", 0},
+      {"KelTest Basic", "Bold Italic", "bolditalic.ttf", 0},
+      {"KelTest Coll B", "Regular", "collection.ttc", 1},
+      {"KelTest Supplementary", "Regular", "supplementary.ttf", 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.file);
+    kelfont_test::ExpectedFace expected;
+    ASSERT_TRUE(kelfont_test::loadExpectedFace(c.file, c.face, &expected));
+    qro_common::FontInfo* info = nullptr;
+    for (int i = 0; i < table.GetFontInfoCount(); ++i) {
+      qro_common::FontInfo* candidate = table.GetFontInfo(i);
+      if (*candidate->GetFontName() == c.fontName && candidate->GetStyleName() != nullptr &&
+          *candidate->GetStyleName() == c.style) {
+        info = candidate;
+      }
+    }
+    ASSERT_NE(info, nullptr);
+    ASSERT_EQ(info->GetFontMetrics()->GetUnitsPerEm(), expected.unitsPerEm);
+    ASSERT_TRUE(serializer.ReadData(*info));
+    for (const auto& [code, glyph] : expected.chars) {
+      const qro_common::CharMetrics* metrics = info->GetCharMetricsInfo()->GetCharMetrics(code);
+      ASSERT_NE(metrics, nullptr) << code;
+      EXPECT_EQ(metrics->GetAdvance(), glyph.advance) << code;
+    }
+    for (const auto& [pair, value] : expected.kerning) {
+      ASSERT_NE(info->GetKerningInfo(), nullptr);
+      EXPECT_EQ(info->GetKerningInfo()->GetDelta(pair.first, pair.second), value);
+    }
+  }
+}
+
+// A manager that knows the generated fonts only from the package (no font
+// folder) hands out the same font indexes and answers the same advances and
+// kerning as one that scanned the font files, for every character a font
+// has itself.
+TEST(Pack, ManagerOnThePackageAloneAnswersAsOneThatScannedTheFonts) {
+  TempDir dir;
+  const std::string zip = kelfont_test::packTestFonts(dir);
+  ASSERT_FALSE(zip.empty());
+  qro_ni::DefaultFontInfoFileExtracter scanExtracter(dir.file("scan/"), dir.file("none/"));
+  kelfont_tool::ToolFontManager scanned(&scanExtracter, dir.file("scan/"),
+                                        {kelfont_test::testFontDir()});
+  scanned.Initialize();
+  qro_ni::DefaultFontInfoFileExtracter packageExtracter(dir.file("package/"), dir.path() + "/");
+  kelfont_tool::ToolFontManager packaged(&packageExtracter, dir.file("package/"), {});
+  packaged.Initialize();
+
+  std::vector<unsigned> codes;
+  for (const std::string& file : kelfont_test::testFontFiles()) {
+    for (int face = 0; face < kelfont_test::expectedFaceCount(file); ++face) {
+      kelfont_test::ExpectedFace expected;
+      ASSERT_TRUE(kelfont_test::loadExpectedFace(file, face, &expected));
+      for (const auto& entry : expected.chars) codes.push_back(entry.first);
+    }
+  }
+  std::sort(codes.begin(), codes.end());
+  codes.erase(std::unique(codes.begin(), codes.end()), codes.end());
+
+  const int fonts = scanned.GetFontTable()->GetFontCount();
+  ASSERT_GE(fonts, facesWithOs2() - 3);  // the styles of KelTest Basic share one font
+  int compared = 0;
+  for (int font = 0; font < fonts; ++font) {
+    const std::string name = scanned.GetFontName(font);
+    if (name.size() <= 255) {
+      ASSERT_EQ(packaged.GetFontName(font), name) << font;
+    } else {  // cut to what the table holds
+      ASSERT_EQ(packaged.GetFontName(font), name.substr(0, 255 / 3 * 3)) << font;
+    }
+    for (int style = 0; style < 4; ++style) {
+      const bool bold = style & 1;
+      const bool italic = style & 2;
+      for (unsigned code : codes) {
+        if (scanned.GetCharMetrics(font, code, bold, italic) == nullptr) continue;
+        ASSERT_EQ(packaged.GetCharAdvanceRatio(font, code, bold, italic),
+                  scanned.GetCharAdvanceRatio(font, code, bold, italic))
+            << scanned.GetFontName(font) << " " << code;
+        ++compared;
+      }
+      EXPECT_EQ(packaged.GetKerningWidth(font, bold, italic, 'A', 'V'),
+                scanned.GetKerningWidth(font, bold, italic, 'A', 'V'));
+    }
+  }
+  EXPECT_GT(compared, 1000);
+  const int basic = packaged.GetFontIndex("KelTest Basic");
+  EXPECT_EQ(packaged.GetCharAdvanceRatio(basic, 'A', false, false), 740.0f / 2048.0f);
+  EXPECT_EQ(packaged.GetKerningWidth(basic, false, false, 'A', 'V'), -150);
+}
+
+}  // namespace
