@@ -18,6 +18,9 @@ using qro_common::FontInfoSerializer;
 using qro_common::FontMetrics;
 using qro_common::KerningInfo;
 
+namespace {
+
+// The face of a generated test font as the font generator read it back.
 Face generatedFace(const std::string& fontFile, const std::string& fontName,
                    const std::string& styleName) {
   kelfont_test::ExpectedFace expected;
@@ -36,6 +39,8 @@ Face generatedFace(const std::string& fontFile, const std::string& fontName,
   }
   return face;
 }
+
+}  // namespace
 
 const std::vector<BoldBand>& boldBands() {
   // Both ends of every band of the correction, worked out by hand.
@@ -125,10 +130,6 @@ std::vector<Face> standardFaces() {
   return faces;
 }
 
-std::string dataFilePath(const std::string& base, int infoIndex) {
-  return base + "FInfo/Fdata/" + std::to_string(infoIndex);
-}
-
 namespace {
 
 std::unique_ptr<FontInfo> makeInfo(const Face& face, int infoIndex) {
@@ -160,7 +161,8 @@ std::unique_ptr<FontInfo> makeInfo(const Face& face, int infoIndex) {
 }
 
 bool writeData(FontInfoSerializer& serializer, FontInfo& info, DataFile kind) {
-  std::string path = dataFilePath(serializer.GetBasePath(), info.GetInfoIndex());
+  std::string path =
+      serializer.GetBasePath() + "FInfo/Fdata/" + std::to_string(info.GetInfoIndex());
   switch (kind) {
     case DataFile::kMissing:
       return true;

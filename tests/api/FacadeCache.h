@@ -28,11 +28,6 @@ struct Face {
   DataFile dataFile = DataFile::kWritten;
 };
 
-// The face of a generated test font (advances, kerning and units per em as
-// the font generator read them back from the file).
-Face generatedFace(const std::string& fontFile, const std::string& fontName,
-                   const std::string& styleName);
-
 // Font indexes of the standard cache (registration order of the names).
 enum StandardFont {
   kBasic = 0,  // "KelTest Basic" (also "켈테스트 기본"): basic, bold, italic, bolditalic.ttf
@@ -47,9 +42,7 @@ enum StandardFont {
   kFirstEvict,   // "KelTest Evict 00" .. "21": 'A' 100 + i, 'B' 200 + i, 'C' 300 + i
   kFontCount = kFirstEvict + 22
 };
-// Info indexes (data file numbers) of some faces.
-constexpr int kBasicRegularInfo = 0;
-constexpr int kFirstEvictInfo = 13;
+constexpr int kFirstEvictInfo = 13;  // data file number of "KelTest Evict 00"
 
 // One bold correction: the stored advance and the bold answer.
 struct BoldBand {
@@ -69,6 +62,5 @@ Face evictFace(int i);
 bool writeCache(const std::string& base, const std::vector<Face>& faces);
 // Rewrites the data file of info `infoIndex` from `face`.
 bool writeDataFile(const std::string& base, int infoIndex, const Face& face);
-std::string dataFilePath(const std::string& base, int infoIndex);
 
 }  // namespace facade_test

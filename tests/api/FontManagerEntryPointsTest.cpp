@@ -12,10 +12,13 @@
 namespace {
 
 using qro_common::FontManager;
+using List = std::vector<std::string>;
 
-std::vector<std::string> directories(FontManager& manager) {
-  std::vector<std::string> out;
-  for (const std::string* path : manager.GetFontDirectoryPathList()) out.push_back(*path);
+List directories() {
+  List out;
+  for (const std::string* path : FontManager::instance->GetFontDirectoryPathList()) {
+    out.push_back(*path);
+  }
   return out;
 }
 
@@ -27,6 +30,7 @@ class FontManagerDoor : public testing::Test {
     SetUserFontPath("");
   }
   kelfont_test::TempDir dir_;
+  const std::string storage_ = dir_.path() + "/";
 };
 
 TEST_F(FontManagerDoor, NullPathsAreRefusedWithTheirLogLines) {
@@ -34,28 +38,26 @@ TEST_F(FontManagerDoor, NullPathsAreRefusedWithTheirLogLines) {
   EXPECT_FALSE(InitFontManager(nullptr, "x/"));
   EXPECT_FALSE(InitFontManager("x/", nullptr));
   EXPECT_EQ(FontManager::instance, nullptr);
-  EXPECT_EQ(log.messages(), (std::vector<std::string>{"InitFontManager", "qrfontZipPath is NULL ! ",
-                                                      "InitFontManager", "extractPath is NULL ! "}));
+  EXPECT_EQ(log.messages(), (List{"InitFontManager", "qrfontZipPath is NULL ! ", "InitFontManager",
+                                  "extractPath is NULL ! "}));
   for (const auto& line : log.lines()) {
     EXPECT_EQ(line.priority, 6);
     EXPECT_EQ(line.tag, "QRO-NATIVE-PROFILE");
   }
+  // Without the setters only the system folder is scanned.
+  ASSERT_TRUE(InitFontManager(storage_.c_str(), storage_.c_str()));
+  EXPECT_EQ(directories(), List{"/system/fonts/"});
 }
 
 TEST_F(FontManagerDoor, StartsOnTheSetFoldersAndShutsDownOnce) {
-  const std::string storage = dir_.path() + "/";
   SetSharedFontPath((dir_.path() + "/shared/").c_str());
   SetUserFontPath((dir_.path() + "/user/").c_str());
   kelfont_test::LogCapture log;
-  ASSERT_TRUE(InitFontManager(storage.c_str(), storage.c_str()));
-  ASSERT_NE(FontManager::instance, nullptr);
-  EXPECT_EQ(FontManager::instance->GetStoragePath(), storage);
-  EXPECT_EQ(directories(*FontManager::instance),
-            (std::vector<std::string>{"/system/fonts/", dir_.path() + "/shared/", dir_.path() + "/user/"}));
-
-  // Later changes are not seen by the running manager.
-  SetUserFontPath("/elsewhere/");
-  EXPECT_EQ(directories(*FontManager::instance).back(), dir_.path() + "/user/");
+  ASSERT_TRUE(InitFontManager(storage_.c_str(), storage_.c_str()));
+  EXPECT_EQ(FontManager::instance->GetStoragePath(), storage_);
+  EXPECT_EQ(directories(), (List{"/system/fonts/", dir_.path() + "/shared/", dir_.path() + "/user/"}));
+  SetUserFontPath("/elsewhere/");  // not seen by the running manager
+  EXPECT_EQ(directories().back(), dir_.path() + "/user/");
 
   UnInitFontManager();
   UnInitFontManager();  // silent: nothing left to destroy
@@ -69,24 +71,15 @@ TEST_F(FontManagerDoor, StartsOnTheSetFoldersAndShutsDownOnce) {
   EXPECT_EQ(messages.back(), "UnInitFontManager");
 }
 
-TEST_F(FontManagerDoor, WithoutSettersOnlyTheSystemFolderIsScanned) {
-  const std::string storage = dir_.path() + "/";
-  ASSERT_TRUE(InitFontManager(storage.c_str(), storage.c_str()));
-  EXPECT_EQ(directories(*FontManager::instance), std::vector<std::string>{"/system/fonts/"});
-}
-
 TEST_F(FontManagerDoor, FacadeMembersDriveTheSameDoor) {
-  const std::string storage = dir_.path() + "/";
   CKelFontWidth facade;
-  facade.SetQrfontZipPath(storage.c_str());
-  facade.SetExtractPath(storage.c_str());
+  facade.SetQrfontZipPath(storage_.c_str());
+  facade.SetExtractPath(storage_.c_str());
   facade.SetFontPath((dir_.path() + "/a/").c_str());
   facade.SetFontPath((dir_.path() + "/b/").c_str());
   EXPECT_EQ(facade.InitExtracter(), 0);
   ASSERT_TRUE(facade.InitFontManager());
-  ASSERT_NE(FontManager::instance, nullptr);
-  EXPECT_EQ(directories(*FontManager::instance),
-            (std::vector<std::string>{"/system/fonts/", dir_.path() + "/a/", dir_.path() + "/b/"}));
+  EXPECT_EQ(directories(), (List{"/system/fonts/", dir_.path() + "/a/", dir_.path() + "/b/"}));
   facade.UnInitFontManager();
   EXPECT_EQ(FontManager::instance, nullptr);
 }

@@ -12,32 +12,24 @@
 
 namespace {
 
-TEST(KelFontWidth, SerializerNeedsAUsableExtractPath) {
+TEST(KelFontWidth, StartUpStepsFailForTheirOwnReasons) {
   kelfont_test::TempDir dir;
-  CKelFontWidth empty;
-  EXPECT_EQ(empty.InitFontInfoSerializer(), -2);
-  EXPECT_EQ(empty._GetFontInfoSerializer(), nullptr);
-
   ASSERT_TRUE(kelfont_test::writeFile(dir.file("plain"), "not a folder"));
-  CKelFontWidth underFile;
-  underFile.SetExtractPath((dir.file("plain") + "/cache/").c_str());
-  EXPECT_EQ(underFile.InitFontInfoSerializer(), -2);
-  EXPECT_EQ(underFile._GetFontInfoSerializer(), nullptr);
-
+  // -2: no extract path, or one that cannot become a folder.
+  for (std::string path : {std::string(), dir.file("plain") + "/cache/"}) {
+    CKelFontWidth facade;
+    if (!path.empty()) facade.SetExtractPath(path.c_str());
+    EXPECT_EQ(facade.InitFontInfoSerializer(), -2) << path;
+    EXPECT_EQ(facade._GetFontInfoSerializer(), nullptr);
+    // -3: no serializer to load the table from; queries are refused.
+    EXPECT_EQ(facade.InitFontTable(), -3);
+    int advance = 0;
+    EXPECT_EQ(facade.GetFontCharInfo(0, 'A', false, false, advance), -1);
+  }
   CKelFontWidth good;
   good.SetExtractPath((dir.path() + "/deep/cache/").c_str());
   EXPECT_EQ(good.InitFontInfoSerializer(), 0);
-  EXPECT_NE(good._GetFontInfoSerializer(), nullptr);
   EXPECT_TRUE(kelfont_test::writeFile(dir.path() + "/deep/cache/FInfo/Fdata/probe", "x"));
-}
-
-TEST(KelFontWidth, TableNeedsASerializerToLoadFrom) {
-  CKelFontWidth facade;
-  EXPECT_EQ(facade.InitFontTable(), -3);
-  EXPECT_EQ(facade._GetFontTable(), nullptr);
-  int advance = 0;
-  EXPECT_EQ(facade.GetFontCharInfo(0, 'A', false, false, advance), -1);
-  EXPECT_EQ(facade.GetFontIndex("Gulim"), -1);
 }
 
 TEST(KelFontWidth, UnknownAdjustFontNamesContributeMinusOne) {
@@ -48,8 +40,7 @@ TEST(KelFontWidth, UnknownAdjustFontNamesContributeMinusOne) {
   facade.SetExtractPath(base.c_str());
   ASSERT_EQ(facade.InitFontInfoSerializer(), 0);
   ASSERT_EQ(facade.InitFontTable(), 0);
-  EXPECT_EQ(facade._GetFontTable()->GetFontCount(), facade_test::kFontCount);
-  EXPECT_EQ(facade.AdjustAdvanceRatio(facade_test::kGulim, 1024.0f), 1024.0f);
+  EXPECT_EQ(facade.AdjustAdvanceRatio(facade_test::kGulim, 1024.0f), 1024.0f);  // not yet set up
   facade.InitializeAdvanceRatioAdjustFontSet();
   EXPECT_EQ(facade.AdjustAdvanceRatio(facade_test::kGulim, 1024.0f), 1005.0f);
   EXPECT_EQ(facade.AdjustAdvanceRatio(facade_test::kDotum, 1000.5f), 981.5f);

@@ -29,17 +29,15 @@ TEST(CommandLine, BadArgumentsAndMissingInputsGiveAClearMessageAndExitCode) {
   struct Case {
     std::vector<std::string> args;
     int status;
-    std::string message;
+    std::string message;  // for no arguments: the start of the message
   };
   const std::vector<Case> cases = {
       {{}, 2, "Usage: kelfont COMMAND"},
       {{"frobnicate"}, 2, "kelfont: unknown command 'frobnicate' (see kelfont --help)\n"},
       {{"pack", "--bogus"}, 2, "kelfont pack: unknown option --bogus (see --help)\n"},
-      {{"pack", "--output"}, 2, "kelfont pack: --output needs a FILE\n"},
       {{"pack", "--lists", "a", "--lists", "b"}, 2, "kelfont pack: --lists given twice\n"},
       {{"pack", "--quiet=yes"}, 2, "kelfont pack: --quiet takes no value\n"},
       {{"pack", "--lists", lists}, 2, "kelfont pack: missing --fonts DIR... (see --help)\n"},
-      {{"pack", "--fonts", fonts}, 2, "kelfont pack: missing --lists DIR (see --help)\n"},
       {{"pack", "--fonts", fonts, "--lists", lists, "-o", dir.path()}, 2,
        "kelfont pack: " + dir.path() + " is a folder; give the package file name\n"},
       {{"pack", "--fonts", fonts, dir.file("none"), "--lists", lists}, 1,
@@ -58,8 +56,6 @@ TEST(CommandLine, BadArgumentsAndMissingInputsGiveAClearMessageAndExitCode) {
        "kelfont measure: the package must be named qrfont.zip: " + lists + "/fc\n"},
       {{"measure", "--storage", dir.file("s"), "--package", dir.file("qrfont.zip"), "x"}, 1,
        "kelfont measure: package not found: " + dir.file("qrfont.zip") + "\n"},
-      {{"measure", "--storage", dir.file("s"), "--fonts", dir.file("none"), "x"}, 1,
-       "kelfont measure: font folder not found: " + dir.file("none") + "\n"},
       {{"measure", "--storage", dir.file("s"), "x"}, 1,
        "kelfont measure: no font: give --fonts DIR or --package FILE, or --font NAME\n"},
       {{"measure", "--storage", dir.file("s"), "--fonts", fonts, "--font", "No Such", "x"}, 1,
@@ -68,9 +64,6 @@ TEST(CommandLine, BadArgumentsAndMissingInputsGiveAClearMessageAndExitCode) {
        "kelfont measure: cannot create the cache folder " + lists + "/fc/\n"},
       {{"render", "x"}, 2, "kelfont render: missing -o FILE (see --help)\n"},
       {{"render", "--storage", dir.file("s"), "--fonts", fonts, "--font", "KelTest Basic", "-o",
-        dir.file("none/a.svg"), "x"}, 1, "kelfont render: output folder not found: " +
-       dir.file("none") + "\n"},
-      {{"render", "--storage", dir.file("s"), "--fonts", fonts, "--font", "KelTest Basic", "-o",
         lists, "x"}, 1, "kelfont render: cannot write " + lists + "\n"},
       {{"fallback", "U+110000"}, 2, "kelfont fallback: not a code point: U+110000\n"},
       {{"fonts", "extra"}, 2, "kelfont fonts: unexpected argument 'extra' (see --help)\n"},
@@ -78,11 +71,7 @@ TEST(CommandLine, BadArgumentsAndMissingInputsGiveAClearMessageAndExitCode) {
   for (const Case& c : cases) {
     std::string out, err;
     EXPECT_EQ(kelfont_test::runTool(c.args, &out, &err), c.status) << err;
-    if (c.status == 2 && c.args.empty()) {
-      EXPECT_EQ(err.compare(0, c.message.size(), c.message), 0) << err;
-    } else {
-      EXPECT_EQ(err, c.message);
-    }
+    EXPECT_EQ(c.args.empty() ? err.substr(0, c.message.size()) : err, c.message);
     EXPECT_EQ(out, "");
   }
   struct stat st;

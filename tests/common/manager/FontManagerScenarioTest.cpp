@@ -63,10 +63,8 @@ TEST_F(FontManagerScenarioTest, FirstStartScansSecondTrustsTheCacheTouchRescans)
   EXPECT_EQ(first->GetFontIndex("나눔고딕"), nanum);  // localized names too
   std::string nanumData = cache + "Fdata/" + std::to_string(nanumFace->GetInfoIndex());
   EXPECT_TRUE(fs::is_regular_file(nanumData));
-  EXPECT_TRUE(fs::is_regular_file(cache + "Ftable"));
   EXPECT_FALSE(fs::exists(cache + "df"));               // read, then removed
   EXPECT_EQ(nanumFace->GetCharMetricsInfo(), nullptr);  // written, not kept
-  EXPECT_EQ(first->GetFontInfo(first->GetFontIndex("KelTest Coll C"), 0, 0)->GetFaceIndex(), 2);
   float hangul = first->GetCharAdvanceRatio(nanum, 0xAC00, false, false);
 
   opens = qro_common::FontFileAnalyzer::GetOpenCount();
@@ -85,7 +83,6 @@ TEST_F(FontManagerScenarioTest, FirstStartScansSecondTrustsTheCacheTouchRescans)
   EXPECT_EQ(qro_common::FontFileAnalyzer::GetOpenCount() - opens, unsigned(kScenarioFaceCount));
   EXPECT_EQ(fs::last_write_time(nanumData), dataTime);
   EXPECT_EQ(third->GetFontTable()->GetFontInfoCount(), table.GetFontInfoCount());
-  EXPECT_EQ(third->GetFontIndex("NanumGothic"), nanum);
 
   // A cache of another version is thrown away and rebuilt from the package.
   const std::string header = "001613Table Version 2.054\n";
@@ -215,7 +212,6 @@ TEST_F(FontManagerScenarioTest, ScriptDefaultsFollowTheInterfaceLanguage) {
   ManagerRig english = start(storage.path() + "/", {scenario.dirA, scenario.dirB});
   EXPECT_EQ(korean->GetScriptDefaultFontList().at(56), korean->GetFontIndex("Liberation Serif"));
   EXPECT_EQ(english->GetScriptDefaultFontList().at(56), english->GetFontIndex("NanumGothic"));
-  EXPECT_EQ(english->GetScriptDefaultFontList().at(0), -1);
   EXPECT_EQ(korean->GetLocaleFontName(korean->GetFontIndex("NanumGothic")), "나눔고딕");
   EXPECT_EQ(english->GetLocaleFontName(english->GetFontIndex("나눔고딕")), "NanumGothic");
 }

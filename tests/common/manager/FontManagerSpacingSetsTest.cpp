@@ -27,20 +27,24 @@ TEST(FontManagerSpacingSetsTest, BoldBandsOfTheAdvanceRatioAdjustFonts) {
   manager.InitializeAdvanceRatioAdjustFontSet();
   manager.InitializeAdjustSpacingFontSet();
 
-  struct Row {
-    int font;
-    float advance, expected;
-  } rows[] = {
-      {gulimChe, 1024, 1025}, {gulimChe, 1023, 1004}, {gulimChe, 1025, 1006}, {dotum, 1024, 1005},
-      {dotum, 539, 524},      {dotum, 540, 525},      {dotum, 541, 531},      {dotum, 588, 578},
-      {dotum, 589, 578},      {dotum, 280, 276},      {dotum, 281, 276},      {dotum, 0, -4},
-      {dotum, 850, 835},      {dotum, 1000, 982},     {dotum, 1050, 1031},    {dotum, 1100, 1080},
-      {other, 1024, 1024},    {other, 539, 539},
-  };
-  for (const Row& row : rows) {
-    EXPECT_FLOAT_EQ(manager.AdjustAdvanceRatio(row.font, row.advance), row.expected)
-        << row.font << " " << row.advance;
+  // Both ends of every band, worked out by hand; 539..541 fall between the
+  // bands of 538 and 588 and take the 850 band's 15.
+  const float dotumBands[][2] = {
+      {0, -4},     {280, 276},  {281, 276},  {330, 325},   {331, 325},   {385, 379},
+      {386, 379},  {433, 426},  {434, 426},  {488, 480},   {489, 480},   {538, 529},
+      {539, 524},  {540, 525},  {541, 531},  {588, 578},   {589, 578},   {640, 629},
+      {641, 629},  {690, 678},  {691, 678},  {750, 737},   {751, 737},   {800, 786},
+      {801, 786},  {850, 835},  {851, 835},  {900, 884},   {901, 884},   {950, 933},
+      {951, 933},  {1000, 982}, {1001, 982}, {1024, 1005}, {1050, 1031}, {1051, 1031}};
+  for (const auto& band : dotumBands) {
+    EXPECT_FLOAT_EQ(manager.AdjustAdvanceRatio(dotum, band[0]), band[1]) << band[0];
   }
+  // GulimChe widens exactly 1024; other fonts are left alone.
+  const float gulimCheBands[][2] = {{1024, 1025}, {1023, 1004}, {1025, 1006}};
+  for (const auto& band : gulimCheBands) {
+    EXPECT_FLOAT_EQ(manager.AdjustAdvanceRatio(gulimChe, band[0]), band[1]) << band[0];
+  }
+  EXPECT_FLOAT_EQ(manager.AdjustAdvanceRatio(other, 539), 539);
   EXPECT_TRUE(manager.IsAdjustSpacingFont(dotum));
   EXPECT_TRUE(manager.IsAdjustSpacingFont(gulimChe));
   EXPECT_FALSE(manager.IsAdjustSpacingFont(other));

@@ -1,6 +1,7 @@
 #pragma once
 // A font table and data directory for the font list readers' tests.
 
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <map>
@@ -33,6 +34,17 @@ struct ListDirs {
     mkdir((data + "FInfo").c_str(), 0775);
   }
   std::string file(const std::string& name) const { return data + "FInfo/" + name; }
+};
+
+class ListTest : public ::testing::Test {
+ protected:
+  // True when `path` names a directory.
+  bool isDirectory(const std::string& path) {
+    struct stat st;
+    return stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+  }
+  ListDirs dirs;
+  qro_common::FontTable table;
 };
 
 }  // namespace kelfont_test

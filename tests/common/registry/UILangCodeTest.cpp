@@ -7,37 +7,20 @@
 
 namespace {
 
-using qro_base::Locale;
-
-class UILangCodeTest : public ::testing::Test {
- protected:
-  void SetUp() override { saved_ = qro_base::ensureEnvironment().GetUILocale(); }
-  void TearDown() override { qro_base::ensureEnvironment().SetUILocale(saved_); }
-
-  static void setUILocale(const char* language, const char* country) {
-    qro_base::ensureEnvironment().SetUILocale(Locale(language, country));
+TEST(UILangCode, LanguageAndCountryOfTheUserInterfaceLocale) {
+  qro_base::Environment& environment = qro_base::ensureEnvironment();
+  const qro_base::Locale saved = environment.GetUILocale();
+  struct Row {
+    const char *language, *country;
+    int code;
+  } rows[] = {{"ko", "KR", 0x0412}, {"en", "US", 0x0409}, {"zh", "TW", 0x0404},
+              {"ja", "JP", 0x0411}, {"xx", "YY", 0},
+              {"ko", "kr", 0}};  // matched exactly: the country is not upper-cased
+  for (const Row& row : rows) {
+    environment.SetUILocale(qro_base::Locale(row.language, row.country));
+    EXPECT_EQ(qro_common::getUILangCode(), row.code) << row.language << "-" << row.country;
   }
-
-  Locale saved_{"en", "US"};
-};
-
-TEST_F(UILangCodeTest, LanguageAndCountryOfTheUserInterfaceLocale) {
-  setUILocale("ko", "KR");
-  EXPECT_EQ(qro_common::getUILangCode(), 0x0412);
-  setUILocale("en", "US");
-  EXPECT_EQ(qro_common::getUILangCode(), 0x0409);
-  setUILocale("zh", "TW");
-  EXPECT_EQ(qro_common::getUILangCode(), 0x0404);
-  setUILocale("ja", "JP");
-  EXPECT_EQ(qro_common::getUILangCode(), 0x0411);
-}
-
-TEST_F(UILangCodeTest, UnknownTagGivesZero) {
-  setUILocale("xx", "YY");
-  EXPECT_EQ(qro_common::getUILangCode(), 0);
-  // The tag is matched exactly: the country is not upper-cased.
-  setUILocale("ko", "kr");
-  EXPECT_EQ(qro_common::getUILangCode(), 0);
+  environment.SetUILocale(saved);
 }
 
 }  // namespace
