@@ -1,6 +1,8 @@
 // Memory: heap bytes per mapped character of a loaded face, and the peak
 // resident set of a manager holding the data of 31 CJK-sized faces (a child
-// process of its own, so that nothing of the benchmark program counts).
+// process of its own, so that nothing of the benchmark program counts),
+// beside that of the same manager with no face loaded; the difference of
+// their heaps, per face, is what a loaded face keeps.
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
@@ -49,10 +51,21 @@ void heapPerChar(benchmark::State& state) {
   }
 }
 
-long childPeakKiB(const std::string& storage, const std::string& fontFolder, int faces) {
+// What the child reports: its peak resident set and the heap in use at the
+// end, in KiB.
+struct ChildMemory {
+  long peakKiB = 0;
+  long heapKiB = 0;
+};
+
+ChildMemory childMemory(const std::string& storage, const std::string& fontFolder, int faces) {
   const std::string out = captureProcess({selfPath(), "--rss-child", storage, listsPackageFolder(),
                                           fontFolder, std::to_string(faces)});
-  return std::strtol(out.c_str(), nullptr, 10);
+  ChildMemory memory;
+  char* end = nullptr;
+  memory.peakKiB = std::strtol(out.c_str(), &end, 10);
+  memory.heapKiB = std::strtol(end, nullptr, 10);
+  return memory;
 }
 
 void peakResident(benchmark::State& state) {
@@ -63,15 +76,16 @@ void peakResident(benchmark::State& state) {
     return folder;
   }();
   for (auto _ : state) {
-    const long idle = childPeakKiB(storage, fontFolder, 0);
-    const long loaded = childPeakKiB(storage, fontFolder, kLoadedFaces);
-    if (idle <= 0 || loaded <= 0) {
+    const ChildMemory idle = childMemory(storage, fontFolder, 0);
+    const ChildMemory loaded = childMemory(storage, fontFolder, kLoadedFaces);
+    if (idle.peakKiB <= 0 || loaded.peakKiB <= 0) {
       state.SkipWithError("the measuring child failed");
       break;
     }
-    state.counters["peak_rss_kib"] = static_cast<double>(loaded);
-    state.counters["idle_rss_kib"] = static_cast<double>(idle);
-    state.counters["per_face_kib"] = static_cast<double>(loaded - idle) / kLoadedFaces;
+    state.counters["peak_rss_kib"] = static_cast<double>(loaded.peakKiB);
+    state.counters["idle_peak_rss_kib"] = static_cast<double>(idle.peakKiB);
+    state.counters["heap_per_face_kib"] =
+        static_cast<double>(loaded.heapKiB - idle.heapKiB) / kLoadedFaces;
   }
 }
 
@@ -90,7 +104,7 @@ int runRssChild(int argc, char** argv) {
   if (faces > 0 && sum <= 0) return 1;
   rusage usage;
   getrusage(RUSAGE_SELF, &usage);
-  std::printf("%ld\n", usage.ru_maxrss);
+  std::printf("%ld %ld\n", usage.ru_maxrss, heapInUse() / 1024);
   return 0;
 }
 

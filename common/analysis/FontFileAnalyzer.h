@@ -39,11 +39,14 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
     // The face's horizontal metrics, all glyphs in one FT_Get_Advances
     // call (tens of nanoseconds a glyph instead of microseconds). A face
     // with variations (multiple masters) still loads every glyph, since
-    // its glyphs' advances may be adjusted on loading.
+    // its glyphs' advances may be adjusted on loading. Every glyph index
+    // below the face's glyph count has an advance here, also one whose
+    // outline is damaged and would not load.
     kMetrics,
-    // Every glyph loaded with FT_Load_Glyph(FT_LOAD_NO_SCALE). Static
-    // fonts give the same advances either way; this path stays for faces
-    // with variations and to check that claim.
+    // Every glyph loaded with FT_Load_Glyph(FT_LOAD_NO_SCALE); a glyph that
+    // does not load drops its characters. The installed static fonts give
+    // byte-identical data files either way (a test checks every one); this
+    // path stays for faces with variations and for that check.
     kGlyphs,
   };
 
@@ -70,9 +73,10 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   void AnalyzeData(FontInfo& info);
   // Installs a new advance table in `info`: the unscaled advance of every
   // character of the Unicode map (or, when that is empty, of the symbol
-  // map) whose glyph loads and whose Unicode-range bit is stored (127, or
-  // below 123 and not 57). Nothing changes when neither map has a
-  // character.
+  // map) whose glyph has one (see AdvanceSource) and whose Unicode-range
+  // bit is stored (127, or below 123 and not 57). Nothing changes when
+  // neither map has a character. The map is walked once per open face for
+  // this and ApplyDefaultFontInfo().
   void AnalyzeCharMetricsInfo(FontInfo& info);
   // Installs a new kerning table in `info` holding every non-zero kerning
   // value, in font units, between two printable ASCII characters (32 to
