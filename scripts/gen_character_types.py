@@ -76,9 +76,11 @@ Usage:
 import os
 import sys
 
+
 sys.dont_write_bytecode = True  # leave no __pycache__ in the source tree
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import gen_usb_types  # noqa: E402
+from generated_source import write_or_check  # noqa: E402
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 OUTPUT = os.path.join(ROOT, "base", "CharacterTypeGenerated.cpp")
@@ -382,19 +384,7 @@ def main():
     if not os.path.exists(os.path.join(ucd_dir, "UnicodeData.txt")):
         fail("no UnicodeData.txt in %s (install the unicode-data package)" % ucd_dir)
     text = render(*build(ucd_dir))
-    if check:
-        try:
-            with open(OUTPUT, encoding="utf-8") as f:
-                current = f.read()
-        except OSError:
-            current = None
-        if current != text:
-            sys.stderr.write("gen_character_types: %s is not up to date\n" % OUTPUT)
-            return 1
-        return 0
-    with open(OUTPUT, "w", encoding="utf-8") as f:
-        f.write(text)
-    return 0
+    return write_or_check(OUTPUT, text, check, "gen_character_types")
 
 
 if __name__ == "__main__":

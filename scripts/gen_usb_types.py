@@ -26,6 +26,9 @@ Usage:
 import os
 import sys
 
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from generated_source import write_or_check  # noqa: E402
+
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 OUTPUT = os.path.join(ROOT, "common", "analysis", "UsbTypesGenerated.cpp")
 
@@ -320,19 +323,7 @@ def render(table, bits, multi_bits, supplementary):
 def main():
     check = "--check" in sys.argv[1:]
     text = render(*build())
-    if check:
-        try:
-            with open(OUTPUT, encoding="utf-8") as f:
-                current = f.read()
-        except OSError:
-            current = None
-        if current != text:
-            sys.stderr.write("gen_usb_types: %s is not up to date\n" % OUTPUT)
-            return 1
-        return 0
-    with open(OUTPUT, "w", encoding="utf-8") as f:
-        f.write(text)
-    return 0
+    return write_or_check(OUTPUT, text, check, "gen_usb_types")
 
 
 if __name__ == "__main__":

@@ -84,57 +84,30 @@ void CharMetricsInfo::ZipCharMetricsRanges() {
   }
 }
 
-void CharMetricsInfo::RemoveAll() {
-  for (CharMetricsRange*& range : ranges_) {
-    delete range;
-    range = nullptr;
-  }
-}
+void CharMetricsInfo::RemoveAll() { deleteRanges(ranges_); }
 
 bool CharMetricsInfo::Read(qro_base::InputStream& in) {
   return ReadChecked(in) == ReadResult::kLoaded;
 }
 
 CharMetricsInfo::ReadResult CharMetricsInfo::ReadChecked(qro_base::InputStream& in) {
-  RemoveAll();
-  bool any = false;
-  for (size_t usb = 0; usb < ranges_.size(); ++usb) {
-    unsigned char type = 0;
-    if (!qro_base::readUInt8(in, type)) {
-      RemoveAll();
-      return ReadResult::kDamaged;
-    }
-    if (type != CharMetricsRange::kEmpty) any = true;
-    std::unique_ptr<CharMetricsRange> range;
+  // 0, or a kind this reader does not know, leaves the slot empty.
+  return readRangeTable(in, ranges_, [](unsigned char type) -> CharMetricsRange* {
     switch (type) {
       case CharMetricsRange::kSingle:
-        range.reset(new SingleCharMetricsRange(-1, -1));
-        break;
+        return new SingleCharMetricsRange(-1, -1);
       case CharMetricsRange::kMulti:
-        range.reset(new MultiCharMetricsRange(-1));
-        break;
+        return new MultiCharMetricsRange(-1);
       case CharMetricsRange::kZipped:
-        range.reset(new ZippedCharMetricsRange());
-        break;
-      default:  // 0, or a kind this reader does not know: the slot stays empty
-        continue;
+        return new ZippedCharMetricsRange();
+      default:
+        return nullptr;
     }
-    if (!range->Read(in)) {
-      RemoveAll();
-      return ReadResult::kDamaged;
-    }
-    ranges_[usb] = range.release();
-  }
-  return any ? ReadResult::kLoaded : ReadResult::kEmpty;
+  });
 }
 
 bool CharMetricsInfo::Write(qro_base::OutputStream& out) const {
-  for (const CharMetricsRange* range : ranges_) {
-    bool ok =
-        range == nullptr ? qro_base::writeUInt8(out, CharMetricsRange::kEmpty) : range->Write(out);
-    if (!ok) return false;
-  }
-  return true;
+  return writeRangeTable(out, ranges_);
 }
 
 }  // namespace qro_common

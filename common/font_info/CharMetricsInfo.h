@@ -7,6 +7,7 @@
 #include "base/OutputStream.h"
 #include "common/font_info/CharMetrics.h"
 #include "common/font_info/CharMetricsRange.h"
+#include "common/font_info/RangeSlots.h"
 
 namespace qro_common {
 
@@ -19,11 +20,7 @@ namespace qro_common {
 class CharMetricsInfo : public qro_base::NonCopyable {
  public:
   // What ReadChecked() found.
-  enum class ReadResult {
-    kLoaded,  // at least one type byte was not 0
-    kEmpty,   // all 128 type bytes were 0
-    kDamaged  // truncated or invalid input; nothing is kept
-  };
+  using ReadResult = RangeTableRead;
 
   CharMetricsInfo();
   virtual ~CharMetricsInfo();

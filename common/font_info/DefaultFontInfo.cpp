@@ -36,51 +36,23 @@ int DefaultFontInfo::GetFontIndex(unsigned int code) const {
   return range != nullptr ? range->Get(code) : -1;
 }
 
-void DefaultFontInfo::RemoveAll() {
-  for (DefaultFontRange*& range : ranges_) {
-    delete range;
-    range = nullptr;
-  }
-}
+void DefaultFontInfo::RemoveAll() { deleteRanges(ranges_); }
 
 bool DefaultFontInfo::Read(qro_base::InputStream& in) {
   return ReadChecked(in) == ReadResult::kLoaded;
 }
 
 DefaultFontInfo::ReadResult DefaultFontInfo::ReadChecked(qro_base::InputStream& in) {
-  RemoveAll();
-  bool any = false;
-  for (size_t usb = 0; usb < ranges_.size(); ++usb) {
-    unsigned char type = 0;
-    if (!qro_base::readUInt8(in, type)) {
-      RemoveAll();
-      return ReadResult::kDamaged;
-    }
-    if (type != DefaultFontRange::kEmpty) any = true;
-    std::unique_ptr<DefaultFontRange> range;
-    if (type == DefaultFontRange::kSingle) {
-      range.reset(new SingleDefaultFontRange(-1, -1));
-    } else if (type == DefaultFontRange::kMulti) {
-      range.reset(new MultiDefaultFontRange(-1));
-    } else {
-      continue;  // 0, or a kind this reader does not know: the slot stays empty
-    }
-    if (!range->Read(in)) {
-      RemoveAll();
-      return ReadResult::kDamaged;
-    }
-    ranges_[usb] = range.release();
-  }
-  return any ? ReadResult::kLoaded : ReadResult::kEmpty;
+  // 0, or a kind this reader does not know, leaves the slot empty.
+  return readRangeTable(in, ranges_, [](unsigned char type) -> DefaultFontRange* {
+    if (type == DefaultFontRange::kSingle) return new SingleDefaultFontRange(-1, -1);
+    if (type == DefaultFontRange::kMulti) return new MultiDefaultFontRange(-1);
+    return nullptr;
+  });
 }
 
 bool DefaultFontInfo::Write(qro_base::OutputStream& out) const {
-  for (const DefaultFontRange* range : ranges_) {
-    bool ok =
-        range == nullptr ? qro_base::writeUInt8(out, DefaultFontRange::kEmpty) : range->Write(out);
-    if (!ok) return false;
-  }
-  return true;
+  return writeRangeTable(out, ranges_);
 }
 
 }  // namespace qro_common

@@ -6,6 +6,7 @@
 #include "base/NonCopyable.h"
 #include "base/OutputStream.h"
 #include "common/font_info/DefaultFontRange.h"
+#include "common/font_info/RangeSlots.h"
 
 namespace qro_common {
 
@@ -18,11 +19,7 @@ namespace qro_common {
 class DefaultFontInfo : public qro_base::NonCopyable {
  public:
   // What ReadChecked() found.
-  enum class ReadResult {
-    kLoaded,  // at least one type byte was not 0
-    kEmpty,   // all 128 type bytes were 0
-    kDamaged  // truncated or invalid input; nothing is kept
-  };
+  using ReadResult = RangeTableRead;
 
   DefaultFontInfo();
   ~DefaultFontInfo();

@@ -5,6 +5,7 @@
 #include "base/ByteOrder.h"
 #include "common/analysis/FontUSBType.h"
 #include "common/font_info/CodeRange.h"
+#include "common/font_info/RangeSlots.h"
 #include "common/font_info/SingleDefaultFontRange.h"
 
 namespace qro_common {
@@ -24,64 +25,24 @@ short MultiDefaultFontRange::Get(unsigned int code) const {
 }
 
 DefaultFontRange* MultiDefaultFontRange::GetDefaultFontRange(int block) const {
-  if (block < 0 || block >= static_cast<int>(ranges_.size())) return nullptr;
-  return ranges_[static_cast<size_t>(block)];
+  return rangeAt(ranges_, block);
 }
 
 void MultiDefaultFontRange::SetDefaultFontRange(int block, DefaultFontRange* range) {
-  if (block < 0 || block >= static_cast<int>(ranges_.size())) {
-    delete range;
-    return;
-  }
-  DefaultFontRange*& slot = ranges_[static_cast<size_t>(block)];
-  if (slot != range) delete slot;
-  slot = range;
+  putRange(ranges_, block, range);
 }
 
-void MultiDefaultFontRange::RemoveAll() {
-  for (DefaultFontRange*& range : ranges_) {
-    delete range;
-    range = nullptr;
-  }
-}
+void MultiDefaultFontRange::RemoveAll() { deleteRanges(ranges_); }
 
 bool MultiDefaultFontRange::Read(qro_base::InputStream& in) {
-  RemoveAll();
-  unsigned char slotCount = 0;
-  unsigned char occupied = 0;
-  bool ok = qro_base::readUInt8(in, slotCount) && qro_base::readUInt8(in, occupied) &&
-            occupied <= slotCount;
-  if (ok && ranges_.size() != slotCount) ranges_.assign(slotCount, nullptr);
-  int previous = -1;
-  for (unsigned i = 0; ok && i < occupied; ++i) {
-    unsigned char slot = 0;
-    unsigned char ignoredType = 0;
-    ok = qro_base::readUInt8(in, slot) && slot < slotCount && slot > previous &&
-         qro_base::readUInt8(in, ignoredType);
-    if (!ok) break;
-    previous = slot;
-    std::unique_ptr<DefaultFontRange> range(new SingleDefaultFontRange(-1, -1));
-    ok = range->Read(in);
-    if (ok) ranges_[slot] = range.release();
-  }
-  if (!ok) {
-    RemoveAll();
-    ranges_.clear();
-  }
-  return ok;
+  // Every block is a single range; its type byte is not looked at.
+  return readRangeBlocks(in, ranges_, [](unsigned char) -> DefaultFontRange* {
+    return new SingleDefaultFontRange(-1, -1);
+  });
 }
 
 bool MultiDefaultFontRange::Write(qro_base::OutputStream& out) const {
-  int occupied = 0;
-  for (const DefaultFontRange* range : ranges_) occupied += range != nullptr;
-  bool ok = qro_base::writeUInt8(out, kMulti) &&
-            qro_base::writeUInt8(out, static_cast<unsigned char>(ranges_.size())) &&
-            qro_base::writeUInt8(out, static_cast<unsigned char>(occupied));
-  for (size_t slot = 0; ok && slot < ranges_.size(); ++slot) {
-    if (ranges_[slot] == nullptr) continue;
-    ok = qro_base::writeUInt8(out, static_cast<unsigned char>(slot)) && ranges_[slot]->Write(out);
-  }
-  return ok;
+  return writeRangeBlocks(out, ranges_, kMulti);
 }
 
 }  // namespace qro_common

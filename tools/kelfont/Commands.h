@@ -7,6 +7,8 @@
 
 namespace kelfont_tool {
 
+class ArgParser;
+
 // The subcommands of the kelfont tool. Each takes the arguments after its
 // name, writes to the console and returns an ExitCode.
 int RunPack(const std::vector<std::string>& args, Console& console);
@@ -14,6 +16,13 @@ int RunMeasure(const std::vector<std::string>& args, Console& console);
 int RunRender(const std::vector<std::string>& args, Console& console);
 int RunFonts(const std::vector<std::string>& args, Console& console);
 int RunFallback(const std::vector<std::string>& args, Console& console);
+
+// Parses `args`; prints the error or the help when there is one. Returns
+// the exit code to stop with (kExitUsage, or kExitOk after --help), or -1
+// to go on.
+int parseArguments(ArgParser& parser, const std::vector<std::string>& args, Console& console);
+// The --font, --bold and --italic options of the query commands.
+void addStyleOptions(ArgParser& parser);
 
 // A size in pixels: a number above 0 and up to 10000.
 bool parseSize(const std::string& text, double& size);

@@ -126,21 +126,12 @@ int RunFallback(const std::vector<std::string>& args, Console& console) {
                    "of its code point and the last default font, as far as the first font\n"
                    "that has it; then the library's answer and the advance.");
   ManagerSession::AddOptions(parser);
-  parser.AddValue("font", "NAME", "font name or localized name (default: the first default font)");
-  parser.AddFlag("bold", "bold style");
-  parser.AddFlag("italic", "italic style");
+  addStyleOptions(parser);
   parser.SetPositional("CHAR...", "characters, or code points as U+AC00 or 0xAC00", 1, 0);
   parser.SetEpilog(
       "Exit status: 0 shown, 1 a folder or package could not be read or the font is\n"
       "unknown, 2 bad arguments.");
-  if (!parser.Parse(args)) {
-    console.err << "kelfont " << parser.Error() << '\n';
-    return kExitUsage;
-  }
-  if (parser.HelpRequested()) {
-    console.out << parser.Help();
-    return kExitOk;
-  }
+  if (int stop = parseArguments(parser, args, console); stop >= 0) return stop;
   std::u32string codes;
   for (const std::string& arg : parser.Positional()) {
     if (!parseCodeArgument(arg, codes)) {

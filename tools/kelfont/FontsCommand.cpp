@@ -46,14 +46,7 @@ int RunFonts(const std::vector<std::string>& args, Console& console) {
   ManagerSession::AddOptions(parser);
   parser.SetEpilog(
       "Exit status: 0 listed, 1 a folder or package could not be read, 2 bad arguments.");
-  if (!parser.Parse(args)) {
-    console.err << "kelfont " << parser.Error() << '\n';
-    return kExitUsage;
-  }
-  if (parser.HelpRequested()) {
-    console.out << parser.Help();
-    return kExitOk;
-  }
+  if (int stop = parseArguments(parser, args, console); stop >= 0) return stop;
   ManagerSession session;
   if (int status = session.Open(parser, "fonts", console)) return status;
   ToolFontManager& manager = session.Manager();

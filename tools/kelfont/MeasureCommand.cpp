@@ -92,9 +92,7 @@ int RunMeasure(const std::vector<std::string>& args, Console& console) {
                    "and in design units, the kerning with the previous character, and the\n"
                    "total width.");
   ManagerSession::AddOptions(parser);
-  parser.AddValue("font", "NAME", "font name or localized name (default: the first default font)");
-  parser.AddFlag("bold", "bold style");
-  parser.AddFlag("italic", "italic style");
+  addStyleOptions(parser);
   parser.AddValue("size", "PX", "font size for the width in pixels (default 16)");
   parser.AddFlag("json", "print JSON for scripts");
   parser.SetPositional("TEXT...", "the text (several arguments are joined by spaces)", 1, 0);
@@ -104,14 +102,7 @@ int RunMeasure(const std::vector<std::string>& args, Console& console) {
       "Example:\n"
       "  kelfont measure --package build/qrfont.zip --fonts /usr/share/fonts/truetype/nanum \\\n"
       "                  --font NanumGothic \"Hello, 세계!\"");
-  if (!parser.Parse(args)) {
-    console.err << "kelfont " << parser.Error() << '\n';
-    return kExitUsage;
-  }
-  if (parser.HelpRequested()) {
-    console.out << parser.Help();
-    return kExitOk;
-  }
+  if (int stop = parseArguments(parser, args, console); stop >= 0) return stop;
   double size = 16;
   if (parser.Has("size") && !parseSize(parser.Value("size"), size)) {
     console.err << "kelfont measure: --size needs a number of pixels above 0, not '"

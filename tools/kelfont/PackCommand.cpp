@@ -34,14 +34,7 @@ int RunPack(const std::vector<std::string>& args, Console& console) {
       "  kelfont pack --fonts /usr/share/fonts/truetype/dejavu "
       "/usr/share/fonts/truetype/nanum \\\n"
       "               --lists data -o build/qrfont.zip");
-  if (!parser.Parse(args)) {
-    console.err << "kelfont " << parser.Error() << '\n';
-    return kExitUsage;
-  }
-  if (parser.HelpRequested()) {
-    console.out << parser.Help();
-    return kExitOk;
-  }
+  if (int stop = parseArguments(parser, args, console); stop >= 0) return stop;
   if (!parser.Has("fonts")) {
     console.err << "kelfont pack: missing --fonts DIR... (see --help)\n";
     return kExitUsage;

@@ -83,23 +83,14 @@ int RunRender(const std::vector<std::string>& args, Console& console) {
                    "each character, the pen advancing by the measured advances and kerning.\n"
                    "A character whose font is known by metrics only is drawn as a red box.");
   ManagerSession::AddOptions(parser);
-  parser.AddValue("font", "NAME", "font name or localized name (default: the first default font)");
-  parser.AddFlag("bold", "bold style");
-  parser.AddFlag("italic", "italic style");
+  addStyleOptions(parser);
   parser.AddValue("size", "PX", "font size in the SVG (default 48)");
   parser.AddValue("output", "FILE", "SVG file to write", "o");
   parser.SetPositional("TEXT...", "the text (several arguments are joined by spaces)", 1, 0);
   parser.SetEpilog(
       "Exit status: 0 written, 1 a folder or package could not be read, the font is\n"
       "unknown or the file not written, 2 bad arguments.");
-  if (!parser.Parse(args)) {
-    console.err << "kelfont " << parser.Error() << '\n';
-    return kExitUsage;
-  }
-  if (parser.HelpRequested()) {
-    console.out << parser.Help();
-    return kExitOk;
-  }
+  if (int stop = parseArguments(parser, args, console); stop >= 0) return stop;
   if (!parser.Has("output")) {
     console.err << "kelfont render: missing -o FILE (see --help)\n";
     return kExitUsage;

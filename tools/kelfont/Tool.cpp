@@ -1,5 +1,6 @@
 #include <sstream>
 
+#include "tools/kelfont/ArgParser.h"
 #include "tools/kelfont/Commands.h"
 
 namespace kelfont_tool {
@@ -56,6 +57,24 @@ int RunTool(const std::vector<std::string>& args, Console& console) {
   }
   console.err << "kelfont: unknown command '" << name << "' (see kelfont --help)\n";
   return kExitUsage;
+}
+
+int parseArguments(ArgParser& parser, const std::vector<std::string>& args, Console& console) {
+  if (!parser.Parse(args)) {
+    console.err << "kelfont " << parser.Error() << '\n';
+    return kExitUsage;
+  }
+  if (parser.HelpRequested()) {
+    console.out << parser.Help();
+    return kExitOk;
+  }
+  return -1;
+}
+
+void addStyleOptions(ArgParser& parser) {
+  parser.AddValue("font", "NAME", "font name or localized name (default: the first default font)");
+  parser.AddFlag("bold", "bold style");
+  parser.AddFlag("italic", "italic style");
 }
 
 }  // namespace kelfont_tool
