@@ -14,9 +14,9 @@
 #include <memory>
 #include <stdexcept>
 
-#include "bench/ScratchDir.h"
 #include "base/ZipEntry.h"
 #include "base/ZipEntryOutputStream.h"
+#include "bench/ScratchDir.h"
 #include "bench/StartedManager.h"
 #include "common/analysis/FontFileAnalyzer.h"
 #include "common/font_info/FontInfo.h"
@@ -210,8 +210,8 @@ std::string syntheticFontName(int n) {
   return name;
 }
 
-void writeSyntheticCache(const std::string& storage, const std::string& fontFolder,
-                         int faceCount, int withData) {
+void writeSyntheticCache(const std::string& storage, const std::string& fontFolder, int faceCount,
+                         int withData) {
   using qro_common::FontInfo;
   qro_common::FontFileAnalyzer analyzer;
   if (!analyzer.Open(cjkFontPath().c_str(), 0)) throw std::runtime_error("cannot open CJK font");

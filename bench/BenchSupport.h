@@ -58,8 +58,8 @@ std::string writeFontconfigFile(const std::string& folder,
 // (copies of the CJK face under distinct names), the first `withData` of
 // them with the CJK face's data file, and the times of `fontFolder`, so
 // that a start with that one font folder trusts it.
-void writeSyntheticCache(const std::string& storage, const std::string& fontFolder,
-                         int faceCount, int withData);
+void writeSyntheticCache(const std::string& storage, const std::string& fontFolder, int faceCount,
+                         int withData);
 // The name of synthetic face `n`.
 std::string syntheticFontName(int n);
 

@@ -81,7 +81,8 @@ void freetypeOpenGlyphs(benchmark::State& state) { freetypeOpen(state, false); }
 }  // namespace
 
 void registerFaceLoadBenchmarks() {
-  benchmark::RegisterBenchmark("FaceLoad/kelfont_read_data", kelfontReadData)->Unit(benchmark::kMicrosecond);
+  benchmark::RegisterBenchmark("FaceLoad/kelfont_read_data", kelfontReadData)
+      ->Unit(benchmark::kMicrosecond);
   benchmark::RegisterBenchmark("FaceLoad/freetype_open_mapped_advances", freetypeOpenMapped)
       ->Unit(benchmark::kMicrosecond);
   benchmark::RegisterBenchmark("FaceLoad/freetype_open_glyph_advances", freetypeOpenGlyphs)

@@ -81,7 +81,8 @@ void harfbuzzAdvance(benchmark::State& state) {
     long sum = 0;
     for (char32_t c : text()) {
       hb_codepoint_t glyph = 0;
-      if (hb_font_get_nominal_glyph(font, c, &glyph)) sum += hb_font_get_glyph_h_advance(font, glyph);
+      if (hb_font_get_nominal_glyph(font, c, &glyph))
+        sum += hb_font_get_glyph_h_advance(font, glyph);
     }
     benchmark::DoNotOptimize(sum);
   }
@@ -94,7 +95,8 @@ void harfbuzzAdvance(benchmark::State& state) {
 void freetypeAdvance(benchmark::State& state) {
   FT_Library library = nullptr;
   FT_Face face = nullptr;
-  if (FT_Init_FreeType(&library) != 0 || FT_New_Face(library, cjkFontPath().c_str(), 0, &face) != 0) {
+  if (FT_Init_FreeType(&library) != 0 ||
+      FT_New_Face(library, cjkFontPath().c_str(), 0, &face) != 0) {
     throw std::runtime_error("FreeType cannot open the CJK font");
   }
   for (auto _ : state) {
@@ -114,10 +116,14 @@ void freetypeAdvance(benchmark::State& state) {
 }  // namespace
 
 void registerHotAdvanceBenchmarks() {
-  benchmark::RegisterBenchmark("HotAdvance/kelfont_manager", managerAdvance)->Unit(benchmark::kMillisecond);
-  benchmark::RegisterBenchmark("HotAdvance/kelfont_facade", facadeAdvance)->Unit(benchmark::kMillisecond);
-  benchmark::RegisterBenchmark("HotAdvance/harfbuzz", harfbuzzAdvance)->Unit(benchmark::kMillisecond);
-  benchmark::RegisterBenchmark("HotAdvance/freetype", freetypeAdvance)->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("HotAdvance/kelfont_manager", managerAdvance)
+      ->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("HotAdvance/kelfont_facade", facadeAdvance)
+      ->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("HotAdvance/harfbuzz", harfbuzzAdvance)
+      ->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("HotAdvance/freetype", freetypeAdvance)
+      ->Unit(benchmark::kMillisecond);
 }
 
 }  // namespace kelfont_bench

@@ -99,7 +99,8 @@ int runRssChild(int argc, char** argv) {
   const int faces = std::atoi(argv[5]);
   float sum = 0;
   for (int n = 0; n < faces; ++n) {
-    sum += fonts.GetCharAdvanceRatio(fonts.GetFontIndex(syntheticFontName(n)), 0xAC00, false, false);
+    sum +=
+        fonts.GetCharAdvanceRatio(fonts.GetFontIndex(syntheticFontName(n)), 0xAC00, false, false);
   }
   if (faces > 0 && sum <= 0) return 1;
   rusage usage;

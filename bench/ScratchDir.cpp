@@ -22,17 +22,15 @@ int removeEntry(const char* path, const struct stat*, int, struct FTW*) {
 
 ScratchDir::ScratchDir() {
   const char* tmp = std::getenv("TMPDIR");
-  std::string pattern = std::string(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp") +
-                        "/kelfont-bench-XXXXXX";
+  std::string pattern =
+      std::string(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp") + "/kelfont-bench-XXXXXX";
   std::vector<char> buffer(pattern.begin(), pattern.end());
   buffer.push_back('\0');
   if (mkdtemp(buffer.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
   path_ = std::string(buffer.data()) + "/";
 }
 
-ScratchDir::~ScratchDir() {
-  nftw(path_.c_str(), removeEntry, 16, FTW_DEPTH | FTW_PHYS);
-}
+ScratchDir::~ScratchDir() { nftw(path_.c_str(), removeEntry, 16, FTW_DEPTH | FTW_PHYS); }
 
 std::string ScratchDir::subfolder(const std::string& name) const {
   std::string folder = path_ + name + "/";

@@ -9,7 +9,7 @@ StartedManager::StartedManager(const std::string& storage, const std::string& pa
                                const std::vector<std::string>& fontFolders)
     : extracter_(std::make_unique<qro_ni::DefaultFontInfoFileExtracter>(storage, packageFolder)),
       manager_(std::make_unique<kelfont_tool::ToolFontManager>(extracter_.get(), storage,
-                                                              fontFolders)) {}
+                                                               fontFolders)) {}
 
 StartedManager::~StartedManager() = default;
 

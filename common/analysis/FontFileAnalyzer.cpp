@@ -399,8 +399,7 @@ void FontFileAnalyzer::AnalyzeKerningInfo(FontInfo& info) {
       }
       if (delta.x == 0) continue;
       kerning->Register(static_cast<int>(kFirstKerningChar) + left,
-                        static_cast<int>(kFirstKerningChar) + right,
-                        static_cast<short>(delta.x));
+                        static_cast<int>(kFirstKerningChar) + right, static_cast<short>(delta.x));
       ++registered;
     }
   }

@@ -87,10 +87,9 @@ bool SingleCharMetricsRange::IsVisibleChar(unsigned int code) const {
 
 void SingleCharMetricsRange::Set(unsigned int code, CharMetrics* metrics) {
   std::less<const CharMetrics*> before;
-  const bool own = metrics == &shared_ ||
-                   (metrics != nullptr && !advances_.empty() &&
-                    !before(metrics, advances_.data()) &&
-                    before(metrics, advances_.data() + advances_.size()));
+  const bool own = metrics == &shared_ || (metrics != nullptr && !advances_.empty() &&
+                                           !before(metrics, advances_.data()) &&
+                                           before(metrics, advances_.data() + advances_.size()));
   const unsigned offset = code - static_cast<unsigned>(first_);
   if (offset < size_) {
     if (metrics != nullptr) {

@@ -3,9 +3,8 @@
 // in one FT_Get_Advances call, and every glyph loaded unscaled.
 
 #include <dirent.h>
-#include <sys/stat.h>
-
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <memory>
 #include <string>

@@ -220,11 +220,11 @@ TEST(SingleCharMetricsRange, AnyOrderOfChangesKeepsTheEntries) {
     int advance;  // -1 clears
   };
   const Step steps[] = {
-      {0, 1000},    {64, 1000},   {200, 1000},  {130, 1000},  // out of order, one advance
-      {20991, 1000}, {5, 500},    {3, 1000},    {20000, 700},  // a second advance, then inserts
-      {64, 900},    {130, -1},    {0, -1},      {20991, -1},   // changes, clears of both ends
-      {7, 1000},    {20991, 1},   {200, -1},    {201, 2},
-      {20991, -1},  {20002, 5},   {20900, 6},   {20500, 7},    // appends, then one between
+      {0, 1000},     {64, 1000}, {200, 1000}, {130, 1000},   // out of order, one advance
+      {20991, 1000}, {5, 500},   {3, 1000},   {20000, 700},  // a second advance, then inserts
+      {64, 900},     {130, -1},  {0, -1},     {20991, -1},   // changes, clears of both ends
+      {7, 1000},     {20991, 1}, {200, -1},   {201, 2},
+      {20991, -1},   {20002, 5}, {20900, 6},  {20500, 7},  // appends, then one between
   };
   SingleCharMetricsRange range(first, last);
   std::map<unsigned, unsigned short> model;

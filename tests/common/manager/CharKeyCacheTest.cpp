@@ -25,11 +25,10 @@ float floatOfBits(std::uint32_t bits) {
 TEST(CharKeyCache, FirstValueOfEveryKindOfKeyStays) {
   const int hugeFont = CharKeyCache<float>::kMaxDenseFont;
   const CharKey keys[] = {
-      {0x41, 0, false, false},      {0x41, 0, false, true},  {0x41, 0, true, false},
-      {0x41, 0, true, true},        {0x41, 1, false, false}, {0xAC00, 3, false, false},
-      {0xFFFF, 7, true, false},     {0x10000, 0, false, false}, {0x1F600, 2, true, true},
-      {0x41, -1, false, false},     {0x41, hugeFont, false, false},
-      {0xFFFFFFFFu, -5, true, true},
+      {0x41, 0, false, false},  {0x41, 0, false, true},         {0x41, 0, true, false},
+      {0x41, 0, true, true},    {0x41, 1, false, false},        {0xAC00, 3, false, false},
+      {0xFFFF, 7, true, false}, {0x10000, 0, false, false},     {0x1F600, 2, true, true},
+      {0x41, -1, false, false}, {0x41, hugeFont, false, false}, {0xFFFFFFFFu, -5, true, true},
   };
   // The slot pattern of an empty entry, as a float and as an int.
   const float emptyPattern = floatOfBits(0x7FBADBADu);
