@@ -147,11 +147,7 @@ int CKelFontWidth::GetFontCharInfo(int fontIndex, int ch, const bool& bold, cons
   // An answered key always has its face remembered, so the advance cache
   // can be asked before the face is looked up.
   const CharKey key{static_cast<std::uint32_t>(ch), fontIndex, bold, italic};
-  auto hit = resultCache_.find(key);
-  if (hit != resultCache_.end()) {
-    advance = hit->second;
-    return 0;
-  }
+  if (resultCache_.Find(key, advance)) return 0;
 
   FontInfo* info = _GetFontInfo(fontIndex, bold, italic);
   if (info == nullptr) return -4;
@@ -163,7 +159,7 @@ int CKelFontWidth::GetFontCharInfo(int fontIndex, int ch, const bool& bold, cons
   }
   int value = metrics->GetAdvance();
   if (bold) value = static_cast<int>(AdjustAdvanceRatio(fontIndex, static_cast<float>(value)));
-  resultCache_.emplace(key, value);
+  resultCache_.Insert(key, value);
   advance = value;
   return 0;
 }

@@ -4,10 +4,10 @@
 #include <map>
 #include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "common/manager/CharKey.h"
+#include "common/manager/CharKeyCache.h"
 #include "common/manager/FontKey.h"
 
 namespace qro_common {
@@ -119,6 +119,6 @@ class CKelFontWidth {
   std::map<qro_common::FontKey, qro_common::FontInfo*> fontInfoCache_;
   std::list<qro_common::FontInfo*> loaded_;
   // First answer wins; never shrinks.
-  std::unordered_map<qro_common::CharKey, int, qro_common::CharKeyHash> resultCache_;
+  qro_common::CharKeyCache<int> resultCache_;
   std::set<int> adjustFontSet_;
 };

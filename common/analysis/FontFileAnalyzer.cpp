@@ -1,5 +1,6 @@
 #include "common/analysis/FontFileAnalyzer.h"
 
+#include FT_ADVANCES_H
 #include FT_SFNT_NAMES_H
 #include FT_TRUETYPE_IDS_H
 #include FT_TRUETYPE_TAGS_H
@@ -148,6 +149,7 @@ void FontFileAnalyzer::Close() {
   face_ = nullptr;
   os2_ = nullptr;
   isOpen_ = false;
+  mapWalked_ = false;
 }
 
 FontInfo* FontFileAnalyzer::Analyze() {
@@ -294,27 +296,84 @@ bool FontFileAnalyzer::Classify(FT_ULong code) {
   return scratch_.rangeFirst >= 0 && scratch_.rangeFirst <= scratch_.rangeLast;
 }
 
+bool FontFileAnalyzer::PrepareMetricsAdvances() {
+  metricsAdvances_.clear();
+  if (advanceSource_ != AdvanceSource::kMetrics || FT_HAS_MULTIPLE_MASTERS(face_) ||
+      face_->num_glyphs <= 0) {
+    return false;
+  }
+  metricsAdvances_.resize(static_cast<std::size_t>(face_->num_glyphs));
+  if (FT_Get_Advances(face_, 0, static_cast<FT_UInt>(face_->num_glyphs), FT_LOAD_NO_SCALE,
+                      metricsAdvances_.data()) != 0) {
+    metricsAdvances_.clear();
+    return false;
+  }
+  return true;
+}
+
 bool FontFileAnalyzer::LoadAdvance(FT_UInt glyph, unsigned short* advance) {
+  if (!metricsAdvances_.empty()) {
+    // A glyph index beyond the face's glyphs would not load either.
+    if (glyph >= metricsAdvances_.size()) return false;
+    *advance = static_cast<unsigned short>(metricsAdvances_[glyph] & 0xFFFF);
+    return true;
+  }
   if (FT_Load_Glyph(face_, glyph, FT_LOAD_NO_SCALE) != 0) return false;
   *advance = static_cast<unsigned short>(face_->glyph->metrics.horiAdvance & 0xFFFF);
   return true;
 }
 
-void FontFileAnalyzer::AnalyzeCharMetricsInfo(FontInfo& info) {
-  if (!isOpen_) return;
+void FontFileAnalyzer::WalkCharacterMap() {
+  if (mapWalked_) return;
+  mapWalked_ = true;
+  mapped_.clear();
+  blocks_.clear();
   ResetScratch();
   FT_UInt glyph = 0;
   FT_ULong code = FirstChar(&glyph);
-  if (glyph == 0) return;
-  auto table = std::make_unique<CharMetricsInfo>();
+  mapHasChar_ = glyph != 0;
+  // Code points come in ascending order, so most follow one of the same
+  // block. Such a code point is classified like the one before it (the
+  // blocks of a bit do not overlap), which spares the block search.
+  int bit = -1;
+  FT_ULong first = 1;
+  FT_ULong last = 0;
   for (; glyph != 0; code = FT_Get_Next_Char(face_, code, &glyph)) {
-    if (!Classify(code)) continue;
-    unsigned short advance = 0;
-    if (!LoadAdvance(glyph, &advance)) continue;
-    if (SingleCharMetricsRange* range = blockRange(*table, scratch_)) {
-      range->SetAdvance(static_cast<unsigned>(code), advance);
+    const bool sameBlock = code >= first && code <= last &&
+                           FontUSBType::GetUSBType(static_cast<unsigned>(code)) == bit;
+    if (!sameBlock) {
+      if (!Classify(code)) continue;
+      blocks_.push_back(MappedBlock{scratch_, mapped_.size()});
+      bit = scratch_.usbType;
+      first = static_cast<FT_ULong>(scratch_.rangeFirst);
+      last = static_cast<FT_ULong>(scratch_.rangeLast);
+    }
+    mapped_.push_back(MappedChar{static_cast<unsigned>(code), glyph});
+  }
+}
+
+void FontFileAnalyzer::AnalyzeCharMetricsInfo(FontInfo& info) {
+  if (!isOpen_) return;
+  WalkCharacterMap();
+  if (!mapHasChar_) return;
+  auto table = std::make_unique<CharMetricsInfo>();
+  PrepareMetricsAdvances();
+  for (std::size_t b = 0; b < blocks_.size(); ++b) {
+    const std::size_t end = b + 1 < blocks_.size() ? blocks_[b + 1].begin : mapped_.size();
+    // The block's range is made when its first advance is known.
+    SingleCharMetricsRange* range = nullptr;
+    bool looked = false;
+    for (std::size_t i = blocks_[b].begin; i < end; ++i) {
+      unsigned short advance = 0;
+      if (!LoadAdvance(mapped_[i].glyph, &advance)) continue;
+      if (!looked) {
+        range = blockRange(*table, blocks_[b].block);
+        looked = true;
+      }
+      if (range != nullptr) range->SetAdvance(mapped_[i].code, advance);
     }
   }
+  metricsAdvances_.clear();
   info.SetCharMetricsInfo(table.release());
 }
 
@@ -325,24 +384,22 @@ void FontFileAnalyzer::AnalyzeKerningInfo(FontInfo& info) {
     glyphs[i] = FT_Get_Char_Index(face_, kFirstKerningChar + i);
     if (glyphs[i] == 0) return;
   }
-  // At one pixel per font unit the 26.6 values are font units times 64.
-  // A face that cannot take that size is asked for its unscaled values.
-  FT_UInt mode = FT_KERNING_UNFITTED;
-  int shift = 6;
-  if (FT_Set_Pixel_Sizes(face_, 0, face_->units_per_EM) != 0) {
-    mode = FT_KERNING_UNSCALED;
-    shift = 0;
-  }
+  // The values are read unscaled. Sized at one pixel per font unit,
+  // FreeType's 26.6 values are exactly 64 times the unscaled ones, so
+  // shifting them back gives these same numbers; reading them unscaled
+  // spares sizing the face (for TrueType that runs the font's prep
+  // program) and scaling each of the 9,025 pairs.
   auto kerning = std::make_unique<KerningInfo>();
   int registered = 0;
   for (int left = 0; left < kKerningCharCount; ++left) {
     for (int right = 0; right < kKerningCharCount; ++right) {
       FT_Vector delta;
-      if (FT_Get_Kerning(face_, glyphs[left], glyphs[right], mode, &delta) != 0) continue;
+      if (FT_Get_Kerning(face_, glyphs[left], glyphs[right], FT_KERNING_UNSCALED, &delta) != 0) {
+        continue;
+      }
       if (delta.x == 0) continue;
       kerning->Register(static_cast<int>(kFirstKerningChar) + left,
-                        static_cast<int>(kFirstKerningChar) + right,
-                        static_cast<short>(delta.x >> shift));
+                        static_cast<int>(kFirstKerningChar) + right, static_cast<short>(delta.x));
       ++registered;
     }
   }
@@ -351,13 +408,13 @@ void FontFileAnalyzer::AnalyzeKerningInfo(FontInfo& info) {
 
 void FontFileAnalyzer::ApplyDefaultFontInfo(int fontIndex, DefaultFontInfo& defaultFontInfo) {
   if (fontIndex < 0 || !isOpen_) return;
-  ResetScratch();
-  FT_UInt glyph = 0;
-  FT_ULong code = FirstChar(&glyph);
-  for (; glyph != 0; code = FT_Get_Next_Char(face_, code, &glyph)) {
-    if (!Classify(code)) continue;
-    if (SingleDefaultFontRange* range = blockRange(defaultFontInfo, scratch_)) {
-      range->Set(static_cast<unsigned>(code), static_cast<short>(fontIndex));
+  WalkCharacterMap();
+  for (std::size_t b = 0; b < blocks_.size(); ++b) {
+    const std::size_t end = b + 1 < blocks_.size() ? blocks_[b + 1].begin : mapped_.size();
+    SingleDefaultFontRange* range = blockRange(defaultFontInfo, blocks_[b].block);
+    if (range == nullptr) continue;
+    for (std::size_t i = blocks_[b].begin; i < end; ++i) {
+      range->Set(mapped_[i].code, static_cast<short>(fontIndex));
     }
   }
 }

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "base/NonCopyable.h"
 #include "common/analysis/FontUSBType.h"
@@ -33,6 +34,22 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   // longer family names are cut at a code-unit boundary.
   static constexpr std::size_t kNameBufferSize = 2048;
 
+  // Where AnalyzeCharMetricsInfo() takes the unscaled advances from.
+  enum class AdvanceSource {
+    // The face's horizontal metrics, all glyphs in one FT_Get_Advances
+    // call (tens of nanoseconds a glyph instead of microseconds). A face
+    // with variations (multiple masters) still loads every glyph, since
+    // its glyphs' advances may be adjusted on loading. Every glyph index
+    // below the face's glyph count has an advance here, also one whose
+    // outline is damaged and would not load.
+    kMetrics,
+    // Every glyph loaded with FT_Load_Glyph(FT_LOAD_NO_SCALE); a glyph that
+    // does not load drops its characters. The installed static fonts give
+    // byte-identical data files either way (a test checks every one); this
+    // path stays for faces with variations and for that check.
+    kGlyphs,
+  };
+
   // Creates the FreeType library. The preferred language for the font name
   // is the user-interface language (getUILangCode()).
   FontFileAnalyzer();
@@ -56,9 +73,10 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   void AnalyzeData(FontInfo& info);
   // Installs a new advance table in `info`: the unscaled advance of every
   // character of the Unicode map (or, when that is empty, of the symbol
-  // map) whose glyph loads and whose Unicode-range bit is stored (127, or
-  // below 123 and not 57). Nothing changes when neither map has a
-  // character.
+  // map) whose glyph has one (see AdvanceSource) and whose Unicode-range
+  // bit is stored (127, or below 123 and not 57). Nothing changes when
+  // neither map has a character. The map is walked once per open face for
+  // this and ApplyDefaultFontInfo().
   void AnalyzeCharMetricsInfo(FontInfo& info);
   // Installs a new kerning table in `info` holding every non-zero kerning
   // value, in font units, between two printable ASCII characters (32 to
@@ -109,16 +127,26 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   // Second choice for the font name after 1033 (English, United States).
   unsigned short GetPreferredLanguage() const { return preferredLanguage_; }
   void SetPreferredLanguage(unsigned short language) { preferredLanguage_ = language; }
+  AdvanceSource GetAdvanceSource() const { return advanceSource_; }
+  void SetAdvanceSource(AdvanceSource source) { advanceSource_ = source; }
 
  private:
   // Selects the Unicode map, or the symbol map when the Unicode map has no
   // character; returns the first code point and sets *glyph (0 when
   // neither map has one).
   FT_ULong FirstChar(FT_UInt* glyph);
+  // Walks the selected character map once per open face (Unicode, or the
+  // symbol map when the Unicode map is empty) into mapped_ and blocks_:
+  // every stored code point with its glyph, in map order.
+  void WalkCharacterMap();
   // Classifies `code` into scratch_; false when it is not stored.
   bool Classify(FT_ULong code);
   void ResetScratch();
-  // Unscaled horizontal advance of `glyph`; false when it does not load.
+  // Reads every glyph's advance into metricsAdvances_ when the advance
+  // source allows it for this face; false (and empty) otherwise.
+  bool PrepareMetricsAdvances();
+  // Unscaled horizontal advance of `glyph`, from the prepared metrics or by
+  // loading the glyph; false when there is none.
   bool LoadAdvance(FT_UInt glyph, unsigned short* advance);
   bool HasTable(FT_ULong tag) const;
   void ReadPitch(FontInfo& info) const;
@@ -132,7 +160,25 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   int fileSize_ = 0;
   bool libraryReady_ = false;
   bool isOpen_ = false;
+  AdvanceSource advanceSource_ = AdvanceSource::kMetrics;
   FontUSBType::CodePointUSBInfo scratch_{};
+  // The walk of the open face's character map: stored code points in map
+  // order, split into runs of one block (a block's run begins at `begin`
+  // and ends where the next one begins).
+  struct MappedChar {
+    unsigned code;
+    FT_UInt glyph;
+  };
+  struct MappedBlock {
+    FontUSBType::CodePointUSBInfo block;
+    std::size_t begin;
+  };
+  bool mapWalked_ = false;
+  bool mapHasChar_ = false;  // whether the map has any character at all
+  std::vector<MappedChar> mapped_;
+  std::vector<MappedBlock> blocks_;
+  // Unscaled advance of every glyph while AnalyzeCharMetricsInfo() runs.
+  std::vector<FT_Fixed> metricsAdvances_;
 };
 
 }  // namespace qro_common

@@ -27,30 +27,49 @@ void SingleDefaultFontRange::Set(unsigned int code, short fontIndex) {
 }
 
 bool SingleDefaultFontRange::Read(qro_base::InputStream& in) {
-  int first = 0;
-  int last = 0;
-  unsigned short count = 0;
-  if (!qro_base::readInt32(in, first) || !qro_base::readInt32(in, last) ||
-      !isValidCodeRange(first, last)) {
+  unsigned char header[10];
+  if (in.Read(reinterpret_cast<char*>(header), 10) != 10) {
     Reset(-1, -1);
     return false;
   }
-  Reset(first, last);
-  if (!qro_base::readUInt16(in, count) || count > entries_.size()) {
+  unsigned first = 0;
+  unsigned last = 0;
+  for (int i = 3; i >= 0; --i) {
+    first = (first << 8) | header[i];
+    last = (last << 8) | header[4 + i];
+  }
+  const unsigned count = header[8] | (static_cast<unsigned>(header[9]) << 8);
+  if (!isValidCodeRange(static_cast<int>(first), static_cast<int>(last))) {
     Reset(-1, -1);
     return false;
   }
+  Reset(static_cast<int>(first), static_cast<int>(last));
+  if (count > entries_.size()) {
+    Reset(-1, -1);
+    return false;
+  }
+  // The entries come in blocks read at once, not byte by byte.
+  constexpr unsigned kEntriesPerBlock = 512;
+  unsigned char block[4 * kEntriesPerBlock];
   int previous = -1;
-  for (unsigned i = 0; i < count; ++i) {
-    unsigned short offset = 0;
-    short fontIndex = 0;
-    if (!qro_base::readUInt16(in, offset) || !qro_base::readInt16(in, fontIndex) ||
-        offset >= entries_.size() || offset <= previous) {
+  for (unsigned done = 0; done < count;) {
+    const unsigned n = count - done < kEntriesPerBlock ? count - done : kEntriesPerBlock;
+    if (in.Read(reinterpret_cast<char*>(block), 4 * n) != static_cast<int>(4 * n)) {
       Reset(-1, -1);
       return false;
     }
-    previous = offset;
-    entries_[offset] = fontIndex;
+    for (unsigned i = 0; i < n; ++i) {
+      const unsigned char* entry = block + 4 * i;
+      const int offset = entry[0] | (entry[1] << 8);
+      if (offset >= static_cast<int>(entries_.size()) || offset <= previous) {
+        Reset(-1, -1);
+        return false;
+      }
+      previous = offset;
+      entries_[static_cast<size_t>(offset)] =
+          static_cast<short>(static_cast<unsigned short>(entry[2] | (entry[3] << 8)));
+    }
+    done += n;
   }
   return true;
 }

@@ -89,8 +89,8 @@ void FontManager::Reset() {
     loaded_.clear();
     evicting_ = nullptr;
   }
-  advanceRatioCache_.clear();
-  glyphAdvanceCache_.clear();
+  advanceRatioCache_.Clear();
+  glyphAdvanceCache_.Clear();
   visibleCharCache_.clear();
   systemFontCache_.clear();
   scriptFontCache_.clear();

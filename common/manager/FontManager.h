@@ -11,6 +11,7 @@
 
 #include "base/NonCopyable.h"
 #include "common/manager/CharKey.h"
+#include "common/manager/CharKeyCache.h"
 #include "common/manager/FontKey.h"
 #include "common/manager/ScriptFontKey.h"
 #include "common/manager/VisibleCharInfoKey.h"
@@ -261,8 +262,8 @@ class FontManager : public qro_base::NonCopyable {
   std::map<int, std::vector<int>*> fontChains_;
 
   // Query caches: the first answer for a key stays.
-  std::unordered_map<CharKey, float, CharKeyHash> advanceRatioCache_;
-  std::unordered_map<CharKey, float, CharKeyHash> glyphAdvanceCache_;
+  CharKeyCache<float> advanceRatioCache_;
+  CharKeyCache<float> glyphAdvanceCache_;
   std::unordered_map<VisibleCharInfoKey, VisibleCharInfo, VisibleCharInfoKeyHash> visibleCharCache_;
   mutable std::unordered_map<FontKey, FontInfo*, FontKeyHash> systemFontCache_;
   std::unordered_map<ScriptFontKey, FontInfo*, ScriptFontKeyHash> scriptFontCache_;

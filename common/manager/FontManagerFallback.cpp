@@ -57,8 +57,8 @@ bool FontManager::TryAdvance(CharKey& key, int fontIndex, unsigned c, bool bold,
 
 float FontManager::GetCharAdvanceRatio(int fontIndex, unsigned ch, bool bold, bool italic) {
   CharKey key{ch, fontIndex, bold, italic};
-  auto hit = advanceRatioCache_.find(key);
-  if (hit != advanceRatioCache_.end()) return hit->second;
+  float cached;
+  if (advanceRatioCache_.Find(key, cached)) return cached;
   if (fontTable_ == nullptr) return 0.0f;
 
   float ratio = 0.0f;
@@ -98,7 +98,7 @@ float FontManager::CacheCharAdvancedRatio(CharKey& key, const CharMetrics& metri
   // The requested font's correction, also for a fallback font's glyph.
   if (key.bold) advance = AdjustAdvanceRatio(key.fontIndex, advance);
   float ratio = advance / static_cast<float>(fontMetrics.GetUnitsPerEm());
-  advanceRatioCache_.emplace(key, ratio);
+  advanceRatioCache_.Insert(key, ratio);
   return ratio;
 }
 
@@ -164,8 +164,8 @@ bool FontManager::ConfirmVisibleChar(int& fontIndex, unsigned& ch, bool bold, bo
 float FontManager::GetGlyphAdvanceRatio(int fontIndex, int script, unsigned glyphIndex, bool bold,
                                         bool italic) {
   CharKey key{glyphIndex, fontIndex, bold, italic};
-  auto hit = glyphAdvanceCache_.find(key);
-  if (hit != glyphAdvanceCache_.end()) return hit->second;
+  float cached;
+  if (glyphAdvanceCache_.Find(key, cached)) return cached;
 
   const FontInfo* info = ResolveSystemFontInfo(fontIndex, script, bold, italic);
   if (info == nullptr) return 0.0f;
@@ -176,7 +176,7 @@ float FontManager::GetGlyphAdvanceRatio(int fontIndex, int script, unsigned glyp
   const FT_Glyph_Metrics& metrics = face->glyph->metrics;
   FT_Pos width = metrics.horiAdvance > 0 ? metrics.horiAdvance : metrics.width;
   float ratio = static_cast<float>(width) / static_cast<float>(fontMetrics->GetUnitsPerEm());
-  glyphAdvanceCache_.emplace(key, ratio);
+  glyphAdvanceCache_.Insert(key, ratio);
   return ratio;
 }
 
