@@ -105,7 +105,7 @@ bool FontManager::UpdateFontInfo(FontFileAnalyzer& analyzer, FontInfoSerializer&
     if (record->GetPanose() != nullptr) existing->SetPanose(record->GetPanose()->Clone());
     if (record->GetSig() != nullptr) existing->SetSig(record->GetSig()->Clone());
     int index = GetFontIndex(*existing->GetFontName());
-    if (IsCJKExceptFont(index)) existing->SetCJK(false);
+    if (IsCJKExceptFont(index)) record->SetCJK(false);  // the record is dropped below
     analyzer.ApplyDefaultFontInfo(index, *defaultFontInfo_);
     if (analyzer.GetFileSize() != existing->GetFileSize()) {
       // The file changed: its per-character data is rebuilt, and the new
