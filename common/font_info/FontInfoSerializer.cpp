@@ -8,6 +8,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "base/AtomicFileOutputStream.h"
 #include "base/FileUtils.h"
 #include "base/MemoryInputStream.h"
 #include "common/analysis/LangCode.h"
@@ -555,12 +556,9 @@ bool FontInfoSerializer::WriteDefaultFontIndex(qro_base::FileOutputStream& out) 
 
 bool FontInfoSerializer::Write(std::vector<FontInfo*>& list,
                                std::vector<const std::string*>& directories) {
-  std::string path = GetTablePath();
-  qro_base::FileOutputStream out(path, "w");
-  if (!out.IsOpen()) {
-    out.Close();
-    return false;
-  }
+  // The table is replaced as a whole: a write cut short (a kill, a full
+  // disk) leaves the previous table in place.
+  qro_base::AtomicFileOutputStream out(GetTablePath());
   bool ok = WriteTableVersion(out) && WriteFontDirectoryLastModifiedTimeList(directories, out) &&
             WriteDefaultFontIndex(out);
   std::string body;
@@ -571,9 +569,7 @@ bool FontInfoSerializer::Write(std::vector<FontInfo*>& list,
     ok = WriteSize4(out, static_cast<unsigned>(body.size())) &&
          out.Write(body.data(), static_cast<unsigned>(body.size()));
   }
-  ok = out.Close() && ok;
-  if (!ok) std::remove(path.c_str());
-  return ok;
+  return out.Commit() && ok;
 }
 
 // --- Data files ---
@@ -627,14 +623,11 @@ bool FontInfoSerializer::WriteData(FontInfo& info) {
   if (charMetrics == nullptr && kerning == nullptr) return true;
   std::string path;
   MakeFontInfoDataFilePath(info, path);
-  qro_base::FileOutputStream out(path, "w");
-  if (!out.IsOpen()) return false;
+  qro_base::AtomicFileOutputStream out(path);
   bool ok = true;
   if (charMetrics != nullptr) ok = charMetrics->Write(out);
   if (ok && kerning != nullptr) ok = kerning->Write(out);
-  ok = out.Close() && ok;
-  if (!ok) std::remove(path.c_str());
-  return ok;
+  return out.Commit() && ok;
 }
 
 bool FontInfoSerializer::ReadDefaultFontInfo(DefaultFontInfo& out) {
@@ -645,13 +638,9 @@ bool FontInfoSerializer::ReadDefaultFontInfo(DefaultFontInfo& out) {
 }
 
 bool FontInfoSerializer::WriteDefaultFontInfo(DefaultFontInfo& in) {
-  std::string path = GetDefaultFontInfoPath();
-  qro_base::FileOutputStream out(path, "w");
-  if (!out.IsOpen()) return false;
+  qro_base::AtomicFileOutputStream out(GetDefaultFontInfoPath());
   bool ok = in.Write(out);
-  ok = out.Close() && ok;
-  if (!ok) std::remove(path.c_str());
-  return ok;
+  return out.Commit() && ok;
 }
 
 }  // namespace qro_common

@@ -21,6 +21,10 @@ namespace qro_common {
 //                         CharMetricsInfo, then its KerningInfo
 //   B + "FInfo/fi"        binary DefaultFontInfo
 //
+// Every file is replaced as a whole (written beside the old one, synced,
+// renamed over it): after a kill or a power loss a reader finds either the
+// old or the new file, complete.
+//
 // The table is ASCII. Lengths are lower-case hex of fixed width (Size1
 // "%1x", Size2 "%02x", Size4 "%04x"); numbers are decimal ("%d", "%u"),
 // 32-bit values printed signed. A section is a Size4 length and that many
@@ -72,10 +76,11 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   // a value that cannot be read).
   void ReadDefaultFontIndex(std::string& section);
 
-  // Rewrites the table (mode "w") with the records of `list` numbered by
-  // position and the times of `directories`. False when the table could
-  // not be opened or written; a table that could not be written completely
-  // is removed.
+  // Replaces the table with the records of `list` numbered by position and
+  // the times of `directories`. The new table is written beside the old one
+  // and renamed over it once it is on disk, so a write cut short leaves the
+  // old table whole. False (and a log line) when it could not be written;
+  // the old table then stays.
   bool Write(std::vector<FontInfo*>& list, std::vector<const std::string*>& directories);
   // Appends the record body of `info` with record number `number`.
   bool Write(FontInfo& info, std::string& out, int number);
@@ -94,10 +99,10 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   // 128 slots are empty), the kerning is replaced when the file has a
   // kerning part, and the result is whether either was loaded.
   bool ReadData(FontInfo& info);
-  // Writes the data file of `info` (mode "w"): its character metrics, then
-  // its kerning, each when present. True without a file when it has
-  // neither. False when the file could not be created or written (a
-  // partly written file is removed).
+  // Replaces the data file of `info` as the table is replaced: its
+  // character metrics, then its kerning, each when present. True without a
+  // file when it has neither. False (and a log line) when the file could not
+  // be written; the old file then stays.
   bool WriteData(FontInfo& info);
   // Whether the data file of `info` exists.
   bool IsDataFile(const FontInfo& info);
@@ -107,7 +112,8 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   // Reads the "fi" file; false when it is missing, empty, too large,
   // damaged (`out` is then empty) or has no range.
   bool ReadDefaultFontInfo(DefaultFontInfo& out);
-  // Rewrites the "fi" file (mode "w"); false when it could not be written.
+  // Replaces the "fi" file as the table is replaced; false (and a log line)
+  // when it could not be written, the old file staying.
   bool WriteDefaultFontInfo(DefaultFontInfo& in);
 
   // --- Primitives of the table text ---

@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 
@@ -23,8 +24,16 @@ namespace {
 
 // Written to the data file, the per-character data leaves memory: it is
 // loaded again on first use, and a first start does not keep every font.
+// When it cannot be written (full disk, read-only storage), this start
+// keeps what it measured, and a data file left from an earlier version of
+// the font goes, so that no later load reads stale advances.
 void writeAndDropData(FontInfoSerializer& serializer, FontInfo& info) {
-  serializer.WriteData(info);
+  if (!serializer.WriteData(info)) {
+    std::string path;
+    serializer.MakeFontInfoDataFilePath(info, path);
+    std::remove(path.c_str());
+    return;
+  }
   info.SetCharMetricsInfo(nullptr);
   info.SetKerningInfo(nullptr);
 }
