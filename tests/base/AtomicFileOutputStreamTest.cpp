@@ -1,0 +1,91 @@
+#include "base/AtomicFileOutputStream.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <string>
+#include <vector>
+
+#include "base/FileUtils.h"
+#include "tests/support/FileSizeLimit.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TempDir.h"
+
+namespace {
+
+using kelfont_test::LogCapture;
+using kelfont_test::readFile;
+using kelfont_test::TempDir;
+using kelfont_test::writeFile;
+using qro_base::AtomicFileOutputStream;
+
+const std::string kOld = "the old content, longer than the new one";
+
+TEST(AtomicFileOutputStream, CommitReplacesTheWholeFileAndLeavesNoTemporary) {
+  TempDir dir;
+  std::string path = dir.file("Ftable");
+  ASSERT_TRUE(writeFile(path, kOld));
+  {
+    AtomicFileOutputStream out(path);
+    ASSERT_TRUE(out.IsOpen());
+    EXPECT_TRUE(out.Write("new", 3));
+    EXPECT_TRUE(out.Write('!'));
+    // Until the commit, readers see the old file and the bytes sit beside it.
+    EXPECT_EQ(readFile(path), kOld);
+    EXPECT_TRUE(qro_base::isFileExists((path + ".tmp").c_str()));
+    EXPECT_TRUE(out.Commit());
+    EXPECT_FALSE(out.Commit());
+  }
+  EXPECT_EQ(readFile(path), "new!");
+  EXPECT_FALSE(qro_base::isFileExists((path + ".tmp").c_str()));
+
+  // A stream dropped without a commit changes nothing.
+  {
+    AtomicFileOutputStream out(path);
+    EXPECT_TRUE(out.Write("lost", 4));
+  }
+  EXPECT_EQ(readFile(path), "new!");
+  EXPECT_FALSE(qro_base::isFileExists((path + ".tmp").c_str()));
+}
+
+TEST(AtomicFileOutputStream, FailuresKeepTheOldFileAndAreLogged) {
+  TempDir dir;
+  struct Case {
+    const char* what;
+    std::string path;
+    std::string reason;
+  };
+  ASSERT_EQ(mkdir(dir.file("folder").c_str(), 0755), 0);
+  std::vector<Case> cases = {
+      {"full disk", dir.file("big"), "File too large"},
+      {"no folder", dir.file("missing/file"), "No such file or directory"},
+      {"rename onto a folder", dir.file("folder"), "Is a directory"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    bool hadOld = c.reason == "File too large";
+    if (hadOld) {
+      ASSERT_TRUE(writeFile(c.path, kOld));
+    }
+    LogCapture log;
+    bool committed;
+    {
+      // Past 4096 bytes every write fails; the C library notices when it
+      // hands its buffer over, at the latest when the stream is synced.
+      kelfont_test::FileSizeLimit limit(hadOld ? 4096 : RLIM_INFINITY);
+      ASSERT_TRUE(limit.ok());
+      AtomicFileOutputStream out(c.path);
+      std::string block(1000, 'x');
+      for (int i = 0; i < 10; ++i) out.Write(block.data(), static_cast<unsigned>(block.size()));
+      committed = out.Commit();
+    }
+    EXPECT_FALSE(committed);
+    EXPECT_EQ(log.messages(), std::vector<std::string>{"Cannot write " + c.path + ": " + c.reason});
+    if (hadOld) {
+      EXPECT_EQ(readFile(c.path), kOld);
+    }
+    EXPECT_FALSE(qro_base::isFileExists((c.path + ".tmp").c_str()));
+  }
+}
+
+}  // namespace
