@@ -516,6 +516,37 @@ bool FontInfoSerializer::Write(FontInfo& info, std::string& out, int number) {
   return true;
 }
 
+bool FontInfoSerializer::FitToTable(FontInfo& info) {
+  constexpr size_t kMax2 = 0xFF;
+  constexpr size_t kMax4 = 0xFFFF;
+  auto cut = [](const std::string& text, size_t limit) {
+    size_t end = limit;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+    return text.substr(0, end);
+  };
+  auto fit = [&](const std::string* name) -> const std::string* {
+    return name != nullptr && name->size() > kMax2 ? new std::string(cut(*name, kMax2)) : nullptr;
+  };
+  if (const std::string* name = fit(info.GetFontName())) info.SetFontName(name);
+  if (const std::string* name = fit(info.GetFamilyName())) info.SetFamilyName(name);
+  if (const std::string* name = fit(info.GetStyleName())) info.SetStyleName(name);
+  std::map<int, std::string>& names = info.GetLocalizedNames();
+  if (names.size() > kMax2) return false;
+  for (auto& [code, name] : names) {
+    // An entry: the tag and the name, each behind a two-digit length.
+    const char* tag = LangCode::GetLang(static_cast<unsigned short>(code));
+    size_t room = kMax2 - 4 - std::strlen(tag != nullptr ? tag : "");
+    if (name.size() > room) name = cut(name, room);
+  }
+  const std::string* path = info.GetFilePath();
+  if (path != nullptr && path->size() > kMax4) return false;
+  // The localized-name block is at most 2 + 255 * 257 bytes; the record
+  // with it may still pass its four-digit length.
+  std::string body;
+  Write(info, body, 0);
+  return body.size() <= kMax4;
+}
+
 bool FontInfoSerializer::WriteTableVersion(qro_base::FileOutputStream& out) {
   std::string body;
   AppendField2(body, getFontInfoVersion());

@@ -84,6 +84,13 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   bool Write(std::vector<FontInfo*>& list, std::vector<const std::string*>& directories);
   // Appends the record body of `info` with record number `number`.
   bool Write(FontInfo& info, std::string& out, int number);
+  // Makes the record of `info` fit the table's fixed-width lengths, so that
+  // it reads back as written: names longer than 255 bytes, and localized
+  // names whose entry (tag and name) would pass 255 bytes, are cut at a
+  // UTF-8 character boundary. False when it still does not fit (more than
+  // 255 localized names, a file path or record above 65535 bytes). Write()
+  // does not check; the scan fits every record it takes from a font file.
+  bool FitToTable(FontInfo& info);
   // The three leading sections, each with its Size4 length; false when the
   // stream refused a byte.
   bool WriteTableVersion(qro_base::FileOutputStream& out);

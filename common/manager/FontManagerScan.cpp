@@ -98,7 +98,11 @@ bool FontManager::UpdateFontInfo(FontFileAnalyzer& analyzer, FontInfoSerializer&
                                  const char* fileName, int faceIndex) {
   if (!analyzer.Open(fileName, faceIndex)) return false;
   std::unique_ptr<FontInfo> record(analyzer.Analyze());
-  if (!record) {
+  // Names too long for the cache table (a family name of thousands of
+  // bytes) are cut to what it holds, so that the next start reads the
+  // record as this one registers it; a record that cannot fit is not taken.
+  if (record) record->SetFilePath(new std::string(fileName));
+  if (!record || !serializer.FitToTable(*record)) {
     analyzer.Close();
     return true;
   }
