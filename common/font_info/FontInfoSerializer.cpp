@@ -527,17 +527,28 @@ bool FontInfoSerializer::FitToTable(FontInfo& info) {
   auto fit = [&](const std::string* name) -> const std::string* {
     return name != nullptr && name->size() > kMax2 ? new std::string(cut(*name, kMax2)) : nullptr;
   };
-  if (const std::string* name = fit(info.GetFontName())) info.SetFontName(name);
-  if (const std::string* name = fit(info.GetFamilyName())) info.SetFamilyName(name);
-  if (const std::string* name = fit(info.GetStyleName())) info.SetStyleName(name);
   std::map<int, std::string>& names = info.GetLocalizedNames();
   if (names.size() > kMax2) return false;
+  // The font name is one of the localized names, and the font is found by
+  // those: when that name is cut, the font name becomes the same cut text.
+  const std::string* fontName = info.GetFontName();
+  const std::string* cutFontName = nullptr;
   for (auto& [code, name] : names) {
     // An entry: the tag and the name, each behind a two-digit length.
     const char* tag = LangCode::GetLang(static_cast<unsigned short>(code));
     size_t room = kMax2 - 4 - std::strlen(tag != nullptr ? tag : "");
-    if (name.size() > room) name = cut(name, room);
+    if (name.size() <= room) continue;
+    bool isFontName = fontName != nullptr && name == *fontName;
+    name = cut(name, room);
+    if (isFontName && cutFontName == nullptr) cutFontName = &name;
   }
+  if (cutFontName != nullptr) {
+    info.SetFontName(new std::string(*cutFontName));
+  } else if (const std::string* name = fit(fontName)) {
+    info.SetFontName(name);
+  }
+  if (const std::string* name = fit(info.GetFamilyName())) info.SetFamilyName(name);
+  if (const std::string* name = fit(info.GetStyleName())) info.SetStyleName(name);
   const std::string* path = info.GetFilePath();
   if (path != nullptr && path->size() > kMax4) return false;
   // The localized-name block is at most 2 + 255 * 257 bytes; the record

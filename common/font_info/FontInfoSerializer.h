@@ -87,7 +87,8 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   // Makes the record of `info` fit the table's fixed-width lengths, so that
   // it reads back as written: names longer than 255 bytes, and localized
   // names whose entry (tag and name) would pass 255 bytes, are cut at a
-  // UTF-8 character boundary. False when it still does not fit (more than
+  // UTF-8 character boundary (a font name taken from a localized name is
+  // cut as that name is, so that the font is still found by it). False when it still does not fit (more than
   // 255 localized names, a file path or record above 65535 bytes). Write()
   // does not check; the scan fits every record it takes from a font file.
   bool FitToTable(FontInfo& info);

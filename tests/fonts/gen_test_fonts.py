@@ -68,6 +68,8 @@ except cff.otf):
   collection.ttc        three faces, "KelTest Coll A", "... B", "... C"
   glyphs65535.ttf       65,535 glyphs (the most a font can have), all but
                         .notdef mapped, advances 1 + glyph index
+  collection255.ttc     255 faces, "KelTest Coll 255 0" to "... 254", alike but
+                        for their names
   nohead.ttf            no `head`: the header is a `bhed` table and the
                         glyphs are one bitmap strike, which is the only kind
                         of sfnt without `head` that FreeType opens. FreeType
@@ -614,6 +616,9 @@ COLLECTION = dict(file="collection.ttc", faces=[
          glyphs=small_glyphs((0x20, 0x41)), base=900, step=7),
 ])
 
+COLLECTION_255_FACE = dict(file="collection255.ttc", family="KelTest Coll 255",
+                           glyphs=small_glyphs((0x20, 0x41)), base=950, step=7)
+
 NOHEAD = dict(file="nohead.ttf", family="KelTest NoHead",
               glyphs=small_glyphs((0x20, 0x41, 0x42)), base=710, step=7,
               hhea=(1800, -450, 60), typo=(1500, -380, 50))
@@ -787,6 +792,16 @@ def main(argv):
                         for face in COLLECTION["faces"]]
     collection.save(os.path.join(out_dir, COLLECTION["file"]))
     written.append(COLLECTION["file"])
+
+    # 255 faces, the most a face count of 8 bits holds: one font 255 times
+    # under names of their own, the other tables shared.
+    collection = TTCollection()
+    collection.fonts = [
+        TTFont(io.BytesIO(font_bytes(make_font(
+            dict(COLLECTION_255_FACE, family="KelTest Coll 255 %d" % i)))))
+        for i in range(255)]
+    collection.save(os.path.join(out_dir, COLLECTION_255_FACE["file"]))
+    written.append(COLLECTION_255_FACE["file"])
 
     write_file(os.path.join(out_dir, NOHEAD["file"]), without_head(NOHEAD))
     written.append(NOHEAD["file"])
