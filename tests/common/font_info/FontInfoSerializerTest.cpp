@@ -14,8 +14,6 @@
 #include "common/font_info/KerningInfo.h"
 #include "tests/common/font_info/ByteSink.h"
 #include "tests/common/font_info/TableBuilders.h"
-#include "tests/support/FileSizeLimit.h"
-#include "tests/support/LogCapture.h"
 #include "tests/support/TempDir.h"
 
 namespace {
@@ -434,53 +432,6 @@ TEST_F(FontInfoSerializerTest, UnwritableFilesFail) {
   EXPECT_FALSE(serializer.ReadData(info));
   EXPECT_FALSE(serializer.ReadHeader());
   EXPECT_FALSE(serializer.ReadDefaultFontInfo(defaults));
-}
-
-// A write that cannot finish (here: past the file size limit, as on a full
-// disk) keeps the previous file byte for byte and says so in the log.
-TEST_F(FontInfoSerializerTest, AWriteThatCannotFinishKeepsTheOldFile) {
-  FontInfoSerializer serializer(Base());
-  std::unique_ptr<FontInfo> info = fullInfo();
-  info->SetInfoIndex(4);
-  auto* metrics = new CharMetricsInfo();
-  for (unsigned code = 0x20; code < 0x7F; ++code) addAdvance(*metrics, code, 1000 + code);
-  info->SetCharMetricsInfo(metrics);
-  DefaultFontInfo defaults;
-  for (unsigned code = 0x20; code < 0x7F; ++code) addDefaultFont(defaults, code, 3);
-  std::vector<FontInfo*> list(40, info.get());
-  std::vector<const std::string*> directories;
-  ASSERT_TRUE(serializer.Write(list, directories));
-  ASSERT_TRUE(serializer.WriteData(*info));
-  ASSERT_TRUE(serializer.WriteDefaultFontInfo(defaults));
-  const std::string paths[] = {Table(), Data(4), dir_.file("FInfo/fi")};
-  std::string before[3];
-  for (int i = 0; i < 3; ++i) before[i] = readFile(paths[i]);
-  ASSERT_GT(before[0].size(), 4096u);
-
-  // The new files are larger: one more record, kerning, more ranges.
-  list.push_back(info.get());
-  info->SetKerningInfo(new KerningInfo());
-  addDefaultFont(defaults, 0xAC00, 1);
-  kelfont_test::LogCapture log;
-  {
-    kelfont_test::FileSizeLimit limit(before[0].size());
-    ASSERT_TRUE(limit.ok());
-    // The data file and "fi" are small; a limit below their size stands
-    // in for a disk that fills up while they are written.
-    EXPECT_FALSE(serializer.Write(list, directories));
-  }
-  {
-    kelfont_test::FileSizeLimit limit(before[1].size());
-    EXPECT_FALSE(serializer.WriteData(*info));
-  }
-  {
-    kelfont_test::FileSizeLimit limit(before[2].size());
-    EXPECT_FALSE(serializer.WriteDefaultFontInfo(defaults));
-  }
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(readFile(paths[i]), before[i]) << paths[i];
-  std::vector<std::string> expected;
-  for (const std::string& path : paths) expected.push_back("Cannot write " + path + ": File too large");
-  EXPECT_EQ(log.messages(), expected);
 }
 
 }  // namespace

@@ -47,8 +47,8 @@ struct Start {
 
 std::string copyOf(const std::string& font) { return readFile(testFontPath(font)); }
 
-// The face of `fontName` with the given style, its file path and the advance
-// the manager answers for `code` (-1 without metrics).
+// The advance the manager answers for `code` in `fontName` (-1 without
+// metrics), and the file path of its face.
 int advanceOf(TestFontManager& manager, const std::string& fontName, unsigned code,
               bool bold = false) {
   const qro_common::CharMetrics* metrics =
@@ -67,6 +67,16 @@ int expectedAdvance(const std::string& font, unsigned code) {
   auto found = face.chars.find(code);
   return found != face.chars.end() ? found->second.advance : -1;
 }
+
+class CountingPath : public qro_graphics::Path {
+ public:
+  void reset() override { commands = 0; }
+  void moveTo(float, float) override { ++commands; }
+  void lineTo(float, float) override { ++commands; }
+  void quadTo(float, float, float, float) override { ++commands; }
+  void cubicTo(float, float, float, float, float, float) override { ++commands; }
+  int commands = 0;
+};
 
 TEST(HostileFiles, BadEntriesOfAFontFolderAreSkippedAndTheRestIsKept) {
   TempDir root;
@@ -154,14 +164,7 @@ TEST(HostileFiles, FontPathsLongerThanAPathBuffer) {
     Start start(storage, {fonts});
     EXPECT_EQ(pathOf(start.manager, "KelTest Basic"), fonts + "/basic.ttf");
     EXPECT_EQ(advanceOf(start.manager, "KelTest Basic", 'V'), expectedAdvance("basic.ttf", 'V'));
-    struct : qro_graphics::Path {
-      void reset() override {}
-      void moveTo(float, float) override { ++commands; }
-      void lineTo(float, float) override { ++commands; }
-      void quadTo(float, float, float, float) override { ++commands; }
-      void cubicTo(float, float, float, float, float, float) override { ++commands; }
-      int commands = 0;
-    } path;
+    CountingPath path;
     float x = 0, y = 0;
     const FontInfo* info = start.manager.GetFontInfo(start.manager.GetFontIndex("KelTest Basic"),
                                                      false, false);
@@ -173,15 +176,6 @@ TEST(HostileFiles, FontPathsLongerThanAPathBuffer) {
   }
 }
 
-class CountingPath : public qro_graphics::Path {
- public:
-  void reset() override { resets++; }
-  void moveTo(float, float) override {}
-  void lineTo(float, float) override {}
-  void quadTo(float, float, float, float) override {}
-  void cubicTo(float, float, float, float, float, float) override {}
-  int resets = 0;
-};
 
 // A font rewritten in place (as a copy over it does) while it is open: the
 // analysis goes on with the file as it was opened; a face kept open for
