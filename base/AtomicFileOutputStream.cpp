@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -25,10 +26,18 @@ void syncDirectoryOf(const std::string& path) {
 
 }  // namespace
 
+std::string AtomicFileOutputStream::TemporaryPathFor(const std::string& path) {
+  static std::atomic<unsigned> counter{0};
+  return path + kTemporarySuffix + std::to_string(getpid()) + "-" +
+         std::to_string(counter.fetch_add(1, std::memory_order_relaxed));
+}
+
 AtomicFileOutputStream::AtomicFileOutputStream(const std::string& path)
-    : FileOutputStream(path + kTemporarySuffix, "w"),
-      path_(path),
-      temporaryPath_(path + kTemporarySuffix) {
+    : AtomicFileOutputStream(path, TemporaryPathFor(path)) {}
+
+AtomicFileOutputStream::AtomicFileOutputStream(const std::string& path,
+                                               const std::string& temporaryPath)
+    : FileOutputStream(temporaryPath, "w"), path_(path), temporaryPath_(temporaryPath) {
   if (!IsOpen()) Fail();
 }
 

@@ -7,8 +7,9 @@
 namespace qro_base {
 
 // Replaces a file as a whole. The bytes go to a temporary file beside the
-// target (target + ".tmp", in the same directory, so that the final rename
-// stays on one file system); Commit() flushes it to disk, renames it over
+// target (target + ".tmp" + process id + "-" + a number unique in the
+// process, in the same directory, so that the final rename stays on one
+// file system and two writers never share a temporary file); Commit() flushes it to disk, renames it over
 // the target and syncs the directory. A reader, or the next start after a
 // kill or a power loss, therefore finds either the whole old file or the
 // whole new one, never a torn one. Without a successful Commit() the
@@ -30,7 +31,7 @@ class AtomicFileOutputStream : public FileOutputStream {
   // the stream was opened. A second call returns false.
   bool Commit();
 
-  // The suffix of the temporary file.
+  // The temporary file's name begins with the target's and this suffix.
   static constexpr const char* kTemporarySuffix = ".tmp";
 
  private:
@@ -38,6 +39,9 @@ class AtomicFileOutputStream : public FileOutputStream {
   void Fail();
   // Drops the temporary file and logs the failure.
   bool Abandon();
+
+  AtomicFileOutputStream(const std::string& path, const std::string& temporaryPath);
+  static std::string TemporaryPathFor(const std::string& path);
 
   std::string path_;
   std::string temporaryPath_;
