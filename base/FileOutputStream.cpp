@@ -1,6 +1,7 @@
 #include "base/FileOutputStream.h"
 
 #include <sys/types.h>
+#include <unistd.h>
 
 #include <climits>
 
@@ -42,6 +43,12 @@ bool FileOutputStream::Close() {
   file_ = nullptr;
   open_ = false;
   return result == 0;
+}
+
+bool FileOutputStream::Sync() {
+  if (file_ == nullptr) return false;
+  if (fflush(file_) != 0) return false;
+  return fsync(fileno(file_)) == 0;
 }
 
 long FileOutputStream::Tell() {

@@ -27,6 +27,10 @@ class FileOutputStream : public SeekableOutputStream {
   // False when no file is open; otherwise closes and tells whether closing
   // (which writes what the C library buffered) succeeded.
   bool Close() override;
+  // Hands what the C library buffered to the system and waits until the
+  // system has it on disk (fflush, then fsync). False when no file is open
+  // or either step failed.
+  bool Sync();
 
   long Tell() override;
   bool Seek(unsigned offset, int whence) override;

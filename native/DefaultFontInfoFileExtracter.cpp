@@ -6,7 +6,7 @@
 #include <string>
 
 #include "base/Environment.h"
-#include "base/FileOutputStream.h"
+#include "base/AtomicFileOutputStream.h"
 #include "base/ZipEntryInputStream.h"
 #include "base/ZipFile.h"
 #include "common/registry/DataFileNames.h"
@@ -88,10 +88,9 @@ bool DefaultFontInfoFileExtracter::Extract(const char* entryName) {
   if (got != size) return false;
 
   std::string path = dataDirectory_ + qro_common::getFontInfoStorageName() + entryName;
-  qro_base::FileOutputStream out(path, "w");
-  if (!out.IsOpen()) return false;
+  qro_base::AtomicFileOutputStream out(path);
   bool written = out.Write(buffer.get(), size);
-  return out.Close() && written;
+  return out.Commit() && written;
 }
 
 bool DefaultFontInfoFileExtracter::ExtractFontTable() {

@@ -15,16 +15,17 @@ namespace qro_ni {
 // construction until destruction or Reload(); closing it logs
 // "Elapsed Time of ZipFile == %.3f sec".
 //
-// Extract() copies one entry to the file of the same name, created or
-// truncated. It gives false, and writes nothing, when:
+// Extract() copies one entry to the file of the same name, replacing it as
+// a whole (written beside it, synced, renamed over it: a kill or a full disk
+// leaves the old file). It gives false, and writes nothing, when:
 //   - the package is missing or is not a zip archive, or lacks the entry;
 //   - the entry is empty or larger than kMaxEntrySize (a damaged or hostile
 //     package is never trusted for the size of a buffer);
 //   - the entry delivers fewer bytes than its size (a truncated cache file
 //     would be misread later; an existing file is left as it was);
 //   - the name could leave "FInfo/": absolute, a ".." component, or a "\".
-// It also gives false when the output file cannot be created or the write
-// fails. Folders are not created here: callers make sure that "FInfo/" and
+// It also gives false, with a log line and the old file kept, when the
+// output file cannot be created or the write fails. Folders are not created here: callers make sure that "FInfo/" and
 // "FInfo/Fdata/" exist.
 class DefaultFontInfoFileExtracter : public qro_common::FontInfoFileExtracter {
  public:

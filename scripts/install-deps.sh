@@ -7,6 +7,7 @@ packages=(
   cmake g++ make pkg-config
   libgtest-dev libgmock-dev libbenchmark-dev
   libfreetype-dev zlib1g-dev libminizip-dev libzzip-dev
+  clang-14 libclang-rt-14-dev
   python3-fonttools unicode-data
   fonts-dejavu-core fonts-liberation fonts-nanum
   default-jdk-headless

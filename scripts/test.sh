@@ -3,7 +3,8 @@
 # tests) with warnings as errors and runs every test (the library's, the
 # tool's, and the install test that builds a host against an installed
 # tree): the normal build, then the AddressSanitizer + UBSan build; last, a
-# ThreadSanitizer build of the concurrency tests only.
+# ThreadSanitizer build of the concurrency tests only; last, every fuzz
+# target for a short time (FUZZ_SECONDS, default 30 s each).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -31,5 +32,10 @@ run_suite release -DCMAKE_BUILD_TYPE=RelWithDebInfo
 run_suite asan -DCMAKE_BUILD_TYPE=Debug -DKELFONT_SANITIZE=ON
 SUITE_TARGET=kelfont_common_tests SUITE_TESTS=Concurren \
   run_suite tsan -DCMAKE_BUILD_TYPE=Debug -DKELFONT_TSAN=ON
+
+echo "=== fuzz smoke runs ==="
+if ! bash scripts/fuzz.sh "${FUZZ_SECONDS:-30}"; then
+  status=1
+fi
 
 exit $status

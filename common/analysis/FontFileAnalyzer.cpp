@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "base/FileInputStream.h"
+#include "common/analysis/FontFileStream.h"
 #include "common/analysis/FontUtils.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/DefaultFontInfo.h"
@@ -130,7 +131,10 @@ bool FontFileAnalyzer::Open(const char* path, int faceIndex) {
     file.Close();
   }
   FT_Face face = nullptr;
-  if (FT_New_Face(library_, path, faceIndex, &face) != 0) return false;
+  if (FontFileStream::OpenFace(library_, path, faceIndex, &face,
+                               FontFileStream::Mode::kWholeFile) != 0) {
+    return false;
+  }
   faceCount_ = static_cast<unsigned char>(face->num_faces);
   const auto* os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
   if (os2 == nullptr) {

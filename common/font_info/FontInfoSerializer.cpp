@@ -8,6 +8,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "base/AtomicFileOutputStream.h"
 #include "base/FileUtils.h"
 #include "base/MemoryInputStream.h"
 #include "common/analysis/LangCode.h"
@@ -515,6 +516,48 @@ bool FontInfoSerializer::Write(FontInfo& info, std::string& out, int number) {
   return true;
 }
 
+bool FontInfoSerializer::FitToTable(FontInfo& info) {
+  constexpr size_t kMax2 = 0xFF;
+  constexpr size_t kMax4 = 0xFFFF;
+  auto cut = [](const std::string& text, size_t limit) {
+    size_t end = limit;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+    return text.substr(0, end);
+  };
+  auto fit = [&](const std::string* name) -> const std::string* {
+    return name != nullptr && name->size() > kMax2 ? new std::string(cut(*name, kMax2)) : nullptr;
+  };
+  std::map<int, std::string>& names = info.GetLocalizedNames();
+  if (names.size() > kMax2) return false;
+  // The font name is one of the localized names, and the font is found by
+  // those: when that name is cut, the font name becomes the same cut text.
+  const std::string* fontName = info.GetFontName();
+  const std::string* cutFontName = nullptr;
+  for (auto& [code, name] : names) {
+    // An entry: the tag and the name, each behind a two-digit length.
+    const char* tag = LangCode::GetLang(static_cast<unsigned short>(code));
+    size_t room = kMax2 - 4 - std::strlen(tag != nullptr ? tag : "");
+    if (name.size() <= room) continue;
+    bool isFontName = fontName != nullptr && name == *fontName;
+    name = cut(name, room);
+    if (isFontName && cutFontName == nullptr) cutFontName = &name;
+  }
+  if (cutFontName != nullptr) {
+    info.SetFontName(new std::string(*cutFontName));
+  } else if (const std::string* name = fit(fontName)) {
+    info.SetFontName(name);
+  }
+  if (const std::string* name = fit(info.GetFamilyName())) info.SetFamilyName(name);
+  if (const std::string* name = fit(info.GetStyleName())) info.SetStyleName(name);
+  const std::string* path = info.GetFilePath();
+  if (path != nullptr && path->size() > kMax4) return false;
+  // The localized-name block is at most 2 + 255 * 257 bytes; the record
+  // with it may still pass its four-digit length.
+  std::string body;
+  Write(info, body, 0);
+  return body.size() <= kMax4;
+}
+
 bool FontInfoSerializer::WriteTableVersion(qro_base::FileOutputStream& out) {
   std::string body;
   AppendField2(body, getFontInfoVersion());
@@ -555,12 +598,9 @@ bool FontInfoSerializer::WriteDefaultFontIndex(qro_base::FileOutputStream& out) 
 
 bool FontInfoSerializer::Write(std::vector<FontInfo*>& list,
                                std::vector<const std::string*>& directories) {
-  std::string path = GetTablePath();
-  qro_base::FileOutputStream out(path, "w");
-  if (!out.IsOpen()) {
-    out.Close();
-    return false;
-  }
+  // The table is replaced as a whole: a write cut short (a kill, a full
+  // disk) leaves the previous table in place.
+  qro_base::AtomicFileOutputStream out(GetTablePath());
   bool ok = WriteTableVersion(out) && WriteFontDirectoryLastModifiedTimeList(directories, out) &&
             WriteDefaultFontIndex(out);
   std::string body;
@@ -571,9 +611,7 @@ bool FontInfoSerializer::Write(std::vector<FontInfo*>& list,
     ok = WriteSize4(out, static_cast<unsigned>(body.size())) &&
          out.Write(body.data(), static_cast<unsigned>(body.size()));
   }
-  ok = out.Close() && ok;
-  if (!ok) std::remove(path.c_str());
-  return ok;
+  return out.Commit() && ok;
 }
 
 // --- Data files ---
@@ -627,14 +665,11 @@ bool FontInfoSerializer::WriteData(FontInfo& info) {
   if (charMetrics == nullptr && kerning == nullptr) return true;
   std::string path;
   MakeFontInfoDataFilePath(info, path);
-  qro_base::FileOutputStream out(path, "w");
-  if (!out.IsOpen()) return false;
+  qro_base::AtomicFileOutputStream out(path);
   bool ok = true;
   if (charMetrics != nullptr) ok = charMetrics->Write(out);
   if (ok && kerning != nullptr) ok = kerning->Write(out);
-  ok = out.Close() && ok;
-  if (!ok) std::remove(path.c_str());
-  return ok;
+  return out.Commit() && ok;
 }
 
 bool FontInfoSerializer::ReadDefaultFontInfo(DefaultFontInfo& out) {
@@ -645,13 +680,9 @@ bool FontInfoSerializer::ReadDefaultFontInfo(DefaultFontInfo& out) {
 }
 
 bool FontInfoSerializer::WriteDefaultFontInfo(DefaultFontInfo& in) {
-  std::string path = GetDefaultFontInfoPath();
-  qro_base::FileOutputStream out(path, "w");
-  if (!out.IsOpen()) return false;
+  qro_base::AtomicFileOutputStream out(GetDefaultFontInfoPath());
   bool ok = in.Write(out);
-  ok = out.Close() && ok;
-  if (!ok) std::remove(path.c_str());
-  return ok;
+  return out.Commit() && ok;
 }
 
 }  // namespace qro_common

@@ -21,6 +21,10 @@ namespace qro_common {
 //                         CharMetricsInfo, then its KerningInfo
 //   B + "FInfo/fi"        binary DefaultFontInfo
 //
+// Every file is replaced as a whole (written beside the old one, synced,
+// renamed over it): after a kill or a power loss a reader finds either the
+// old or the new file, complete.
+//
 // The table is ASCII. Lengths are lower-case hex of fixed width (Size1
 // "%1x", Size2 "%02x", Size4 "%04x"); numbers are decimal ("%d", "%u"),
 // 32-bit values printed signed. A section is a Size4 length and that many
@@ -72,13 +76,22 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   // a value that cannot be read).
   void ReadDefaultFontIndex(std::string& section);
 
-  // Rewrites the table (mode "w") with the records of `list` numbered by
-  // position and the times of `directories`. False when the table could
-  // not be opened or written; a table that could not be written completely
-  // is removed.
+  // Replaces the table with the records of `list` numbered by position and
+  // the times of `directories`. The new table is written beside the old one
+  // and renamed over it once it is on disk, so a write cut short leaves the
+  // old table whole. False (and a log line) when it could not be written;
+  // the old table then stays.
   bool Write(std::vector<FontInfo*>& list, std::vector<const std::string*>& directories);
   // Appends the record body of `info` with record number `number`.
   bool Write(FontInfo& info, std::string& out, int number);
+  // Makes the record of `info` fit the table's fixed-width lengths, so that
+  // it reads back as written: names longer than 255 bytes, and localized
+  // names whose entry (tag and name) would pass 255 bytes, are cut at a
+  // UTF-8 character boundary (a font name taken from a localized name is
+  // cut as that name is, so that the font is still found by it). False when it still does not fit (more than
+  // 255 localized names, a file path or record above 65535 bytes). Write()
+  // does not check; the scan fits every record it takes from a font file.
+  bool FitToTable(FontInfo& info);
   // The three leading sections, each with its Size4 length; false when the
   // stream refused a byte.
   bool WriteTableVersion(qro_base::FileOutputStream& out);
@@ -94,10 +107,10 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   // 128 slots are empty), the kerning is replaced when the file has a
   // kerning part, and the result is whether either was loaded.
   bool ReadData(FontInfo& info);
-  // Writes the data file of `info` (mode "w"): its character metrics, then
-  // its kerning, each when present. True without a file when it has
-  // neither. False when the file could not be created or written (a
-  // partly written file is removed).
+  // Replaces the data file of `info` as the table is replaced: its
+  // character metrics, then its kerning, each when present. True without a
+  // file when it has neither. False (and a log line) when the file could not
+  // be written; the old file then stays.
   bool WriteData(FontInfo& info);
   // Whether the data file of `info` exists.
   bool IsDataFile(const FontInfo& info);
@@ -107,7 +120,8 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   // Reads the "fi" file; false when it is missing, empty, too large,
   // damaged (`out` is then empty) or has no range.
   bool ReadDefaultFontInfo(DefaultFontInfo& out);
-  // Rewrites the "fi" file (mode "w"); false when it could not be written.
+  // Replaces the "fi" file as the table is replaced; false (and a log line)
+  // when it could not be written, the old file staying.
   bool WriteDefaultFontInfo(DefaultFontInfo& in);
 
   // --- Primitives of the table text ---

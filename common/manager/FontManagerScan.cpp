@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 
@@ -23,8 +24,16 @@ namespace {
 
 // Written to the data file, the per-character data leaves memory: it is
 // loaded again on first use, and a first start does not keep every font.
+// When it cannot be written (full disk, read-only storage), this start
+// keeps what it measured, and a data file left from an earlier version of
+// the font goes, so that no later load reads stale advances.
 void writeAndDropData(FontInfoSerializer& serializer, FontInfo& info) {
-  serializer.WriteData(info);
+  if (!serializer.WriteData(info)) {
+    std::string path;
+    serializer.MakeFontInfoDataFilePath(info, path);
+    std::remove(path.c_str());
+    return;
+  }
   info.SetCharMetricsInfo(nullptr);
   info.SetKerningInfo(nullptr);
 }
@@ -89,7 +98,11 @@ bool FontManager::UpdateFontInfo(FontFileAnalyzer& analyzer, FontInfoSerializer&
                                  const char* fileName, int faceIndex) {
   if (!analyzer.Open(fileName, faceIndex)) return false;
   std::unique_ptr<FontInfo> record(analyzer.Analyze());
-  if (!record) {
+  // Names too long for the cache table (a family name of thousands of
+  // bytes) are cut to what it holds, so that the next start reads the
+  // record as this one registers it; a record that cannot fit is not taken.
+  if (record) record->SetFilePath(new std::string(fileName));
+  if (!record || !serializer.FitToTable(*record)) {
     analyzer.Close();
     return true;
   }

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "common/analysis/FontFileStream.h"
 #include "common/font_info/FontInfo.h"
 
 namespace qro_common {
@@ -26,7 +27,8 @@ FT_Face FontFacePool::GetFontFace(const FontInfo& info) {
     faces_.erase(lowest);
   }
   FT_Face face = nullptr;
-  if (FT_New_Face(library_, info.GetFilePath()->c_str(), info.GetFaceIndex(), &face) != 0) {
+  if (FontFileStream::OpenFace(library_, info.GetFilePath()->c_str(), info.GetFaceIndex(),
+                               &face, FontFileStream::Mode::kOnDemand) != 0) {
     return nullptr;
   }
   faces_.emplace(key, face);

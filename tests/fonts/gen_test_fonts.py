@@ -66,6 +66,10 @@ except cff.otf):
                         one East Asian signature bit each (Unicode-range bit
                         56, code-page bit 19, Unicode-range bit 28)
   collection.ttc        three faces, "KelTest Coll A", "... B", "... C"
+  glyphs65535.ttf       65,535 glyphs (the most a font can have), all but
+                        .notdef mapped, advances 1 + glyph index
+  collection255.ttc     255 faces, "KelTest Coll 255 0" to "... 254", alike but
+                        for their names
   nohead.ttf            no `head`: the header is a `bhed` table and the
                         glyphs are one bitmap strike, which is the only kind
                         of sfnt without `head` that FreeType opens. FreeType
@@ -123,6 +127,7 @@ latest `face` line; a collection has one block per face):
 
 import io
 import json
+import logging
 import os
 import struct
 import sys
@@ -590,6 +595,18 @@ FONTS = [
                   ulCodePageRange1=0x00000001, ulCodePageRange2=0)),
 ]
 
+# The most glyphs a font can have: 65,535, every one but .notdef mapped (the
+# basic plane from U+0020 without surrogates, then U+20000 onwards), empty
+# outlines, advance 1 + glyph index (up to 65,535, which fontTools warns
+# about: its warnings are silenced).
+MANY_GLYPH_CODES = [cp for cp in range(0x20, 0xFFFE) if not 0xD800 <= cp <= 0xDFFF]
+MANY_GLYPH_CODES += list(range(0x20000, 0x20000 + 65534 - len(MANY_GLYPH_CODES)))
+FONTS.append(dict(
+    file="glyphs65535.ttf", family="KelTest Many Glyphs", glyph_names=False,
+    glyphs=[("g%d" % (i + 1), cp) for i, cp in enumerate(MANY_GLYPH_CODES)],
+    shapes=dict.fromkeys(["g%d" % i for i in range(65535)] + [".notdef"], "none"),
+    base=1, step=1, os2=dict(xAvgCharWidth=2100)))
+
 COLLECTION = dict(file="collection.ttc", faces=[
     dict(file="collection.ttc", family="KelTest Coll A",
          glyphs=small_glyphs((0x20, 0x41, 0x42)), base=700, step=7),
@@ -598,6 +615,9 @@ COLLECTION = dict(file="collection.ttc", faces=[
     dict(file="collection.ttc", family="KelTest Coll C",
          glyphs=small_glyphs((0x20, 0x41)), base=900, step=7),
 ])
+
+COLLECTION_255_FACE = dict(file="collection255.ttc", family="KelTest Coll 255",
+                           glyphs=small_glyphs((0x20, 0x41)), base=950, step=7)
 
 NOHEAD = dict(file="nohead.ttf", family="KelTest NoHead",
               glyphs=small_glyphs((0x20, 0x41, 0x42)), base=710, step=7,
@@ -755,6 +775,8 @@ def main(argv):
         sys.stderr.write("usage: gen_test_fonts.py OUTPUT_DIR\n")
         return 2
     out_dir = argv[1]
+    # glyphs65535.ttf has advances up to 65,535 on purpose.
+    logging.getLogger("fontTools").setLevel(logging.ERROR)
     os.makedirs(out_dir, exist_ok=True)
     manifest = os.path.join(out_dir, "fonts.txt")
     if os.path.exists(manifest):
@@ -770,6 +792,16 @@ def main(argv):
                         for face in COLLECTION["faces"]]
     collection.save(os.path.join(out_dir, COLLECTION["file"]))
     written.append(COLLECTION["file"])
+
+    # 255 faces, the most a face count of 8 bits holds: one font 255 times
+    # under names of their own, the other tables shared.
+    collection = TTCollection()
+    collection.fonts = [
+        TTFont(io.BytesIO(font_bytes(make_font(
+            dict(COLLECTION_255_FACE, family="KelTest Coll 255 %d" % i)))))
+        for i in range(255)]
+    collection.save(os.path.join(out_dir, COLLECTION_255_FACE["file"]))
+    written.append(COLLECTION_255_FACE["file"])
 
     write_file(os.path.join(out_dir, NOHEAD["file"]), without_head(NOHEAD))
     written.append(NOHEAD["file"])

@@ -62,40 +62,16 @@ std::string joinPath(const std::string& directory, const std::string& name) {
   return directory + "/" + name;
 }
 
-// The longest text a two-digit hex length of the font table can announce.
-constexpr std::size_t kFieldLimit = 255;
-
-// `text` cut to at most `limit` bytes at a UTF-8 character boundary.
-std::string cutUtf8(const std::string& text, std::size_t limit) {
-  if (text.size() <= limit) return text;
-  std::size_t end = limit;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
-  return text.substr(0, end);
-}
-
 // Cuts the names of `info` that the font table could not hold (a longer
-// text would be misread, spoiling the record); true when one was cut.
-bool fitNames(qro_common::FontInfo& info) {
-  bool cut = false;
-  auto fit = [&cut](const std::string* name, std::size_t limit) -> const std::string* {
-    if (name == nullptr || name->size() <= limit) return nullptr;
-    cut = true;
-    return new std::string(cutUtf8(*name, limit));
-  };
-  if (const std::string* name = fit(info.GetFontName(), kFieldLimit)) info.SetFontName(name);
-  if (const std::string* name = fit(info.GetFamilyName(), kFieldLimit)) info.SetFamilyName(name);
-  if (const std::string* name = fit(info.GetStyleName(), kFieldLimit)) info.SetStyleName(name);
-  // A localized name travels with its language tag, two lengths of two
-  // digits and that within an entry of at most 255 bytes.
-  for (auto& [code, name] : info.GetLocalizedNames()) {
-    const char* tag = qro_common::LangCode::GetLang(static_cast<unsigned short>(code));
-    const std::size_t room = kFieldLimit - 4 - std::strlen(tag != nullptr ? tag : "");
-    if (name.size() > room) {
-      name = cutUtf8(name, room);
-      cut = true;
-    }
-  }
-  return cut;
+// text would be misread, spoiling the record), as the font manager's scan
+// does; true when one was cut.
+bool fitNames(qro_common::FontInfoSerializer& serializer, qro_common::FontInfo& info) {
+  std::string before;
+  serializer.Write(info, before, 0);
+  serializer.FitToTable(info);
+  std::string after;
+  serializer.Write(info, after, 0);
+  return after != before;
 }
 
 }  // namespace
@@ -285,7 +261,7 @@ bool PackageWriter::Write(const std::string& path) {
   for (int i = 0; i < table_.GetFontInfoCount(); ++i) {
     qro_common::FontInfo& info = *table_.GetFontInfo(i);
     const std::string* path = info.GetFilePath();
-    if (fitNames(info)) {
+    if (fitNames(*serializer_, info)) {
       warnings_.push_back("cut the names of " + (path != nullptr ? *path : *info.GetFontName()) +
                           " to the 255 bytes the font table holds");
     }

@@ -1,0 +1,93 @@
+#pragma once
+// Shared pieces of the fuzz targets: a scratch folder per process (in
+// /dev/shm when there is one, so that writing each input is cheap), whole
+// file writes, an in-memory output stream and a font table to resolve
+// names against.
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "base/FileUtils.h"
+#include "base/OutputStream.h"
+#include "common/font_info/FontInfo.h"
+#include "common/registry/FontTable.h"
+
+namespace kelfont_fuzz {
+
+// A folder of this process, ending in "/", created on first use and
+// removed at exit.
+inline const std::string& scratch() {
+  // Never destroyed: the exit handler below still needs it.
+  static const std::string* path = [] {
+    const char* root = access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp";
+    auto* dir = new std::string(std::string(root) + "/kelfont-fuzz-" + std::to_string(getpid()) + "/");
+    qro_base::confirmFilePathExists((*dir + "FInfo/Fdata").c_str());
+    std::atexit([] {
+      std::error_code ignored;
+      std::filesystem::remove_all(scratch(), ignored);
+    });
+    return dir;
+  }();
+  return *path;
+}
+
+// Code points to look up: the start of the basic plane one by one, then a
+// spread over the rest up to the supplementary planes.
+inline const std::vector<unsigned>& probeCodes() {
+  static const std::vector<unsigned> codes = [] {
+    std::vector<unsigned> out;
+    for (unsigned code = 0; code < 0x30000; code += code < 0x250 ? 1 : 251) out.push_back(code);
+    return out;
+  }();
+  return codes;
+}
+
+inline bool writeWhole(const std::string& path, const uint8_t* data, size_t size) {
+  FILE* file = std::fopen(path.c_str(), "wb");
+  if (file == nullptr) return false;
+  bool ok = size == 0 || std::fwrite(data, 1, size, file) == size;
+  return std::fclose(file) == 0 && ok;
+}
+
+// Collects what is written.
+class StringOutputStream : public qro_base::OutputStream {
+ public:
+  StringOutputStream() { open_ = true; }
+  bool Write(char c) override {
+    bytes.push_back(c);
+    return true;
+  }
+  bool Write(const char* buffer, unsigned count) override {
+    bytes.append(buffer, count);
+    return true;
+  }
+  bool Close() override { return true; }
+  std::string bytes;
+};
+
+// Stops the run: a property that must hold did not.
+[[noreturn]] inline void fail(const char* what) {
+  std::fprintf(stderr, "property violated: %s\n", what);
+  std::abort();
+}
+
+// Names the list readers resolve: "Alpha" .. "Delta" with a file, "Ghost"
+// without one, plus a localized name.
+inline void addListFonts(qro_common::FontTable& table) {
+  const char* names[] = {"Alpha", "Beta", "Gamma", "Delta", "Ghost"};
+  for (const char* name : names) {
+    auto* info = new qro_common::FontInfo();
+    info->SetFontName(new std::string(name));
+    if (std::string(name) != "Ghost") info->SetFilePath(new std::string("/fonts/x.ttf"));
+    if (std::string(name) == "Beta") info->AddLocalizedName(0x0412, "베타");
+    table.RegisterFontInfo(info, false);
+  }
+}
+
+}  // namespace kelfont_fuzz

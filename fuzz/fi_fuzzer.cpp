@@ -1,0 +1,43 @@
+// The default font information reader ("fi"): look-ups over what it
+// accepts, and a write that reads back to itself.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "base/Log.h"
+#include "base/MemoryInputStream.h"
+#include "common/font_info/DefaultFontInfo.h"
+#include "common/font_info/FontInfoSerializer.h"
+#include "fuzz/FuzzSupport.h"
+
+using qro_common::DefaultFontInfo;
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  qro_base::setLogHook([](int, const char*, const char*, void*) {}, nullptr);
+  const std::string& base = kelfont_fuzz::scratch();
+  if (!kelfont_fuzz::writeWhole(base + "FInfo/fi", data, size)) return 0;
+
+  qro_common::FontInfoSerializer serializer(base);
+  DefaultFontInfo defaults;
+  if (!serializer.ReadDefaultFontInfo(defaults)) return 0;
+  int sum = 0;
+  for (unsigned code : kelfont_fuzz::probeCodes()) {
+    sum += defaults.GetFontIndex(code);
+  }
+
+  kelfont_fuzz::StringOutputStream once;
+  defaults.Write(once);
+  qro_base::MemoryInputStream in(once.bytes.data(), static_cast<unsigned>(once.bytes.size()));
+  DefaultFontInfo again;
+  // A file whose only non-zero type bytes are unknown kinds reads as loaded
+  // and writes back as 128 empty slots: empty, but not damaged.
+  if (again.ReadChecked(in) == DefaultFontInfo::ReadResult::kDamaged) {
+    kelfont_fuzz::fail("written default font information does not read back");
+  }
+  if (in.Available() != 0) kelfont_fuzz::fail("written default font information has bytes left");
+  kelfont_fuzz::StringOutputStream twice;
+  again.Write(twice);
+  if (twice.bytes != once.bytes) kelfont_fuzz::fail("default font information written again differs");
+  return sum & 0;
+}
