@@ -262,22 +262,22 @@ def default_names(family, style):
     ]
 
 
-def make_font(spec):
-    cff = spec.get("cff", False)
-    upm = spec.get("upm", 2048)
+def make_font(font_def):
+    cff = font_def.get("cff", False)
+    upm = font_def.get("upm", 2048)
     fb = FontBuilder(upm, isTTF=not cff)
     fb.font.recalcTimestamp = False
 
-    glyph_order = [".notdef"] + [name for name, _ in spec["glyphs"]]
+    glyph_order = [".notdef"] + [name for name, _ in font_def["glyphs"]]
     code_of = {".notdef": None}
-    code_of.update({name: cp for name, cp in spec["glyphs"]})
-    advances = {name: spec["base"] + spec["step"] * i for i, name in enumerate(glyph_order)}
-    assert len(set(advances.values())) == len(advances), spec["file"]
+    code_of.update({name: cp for name, cp in font_def["glyphs"]})
+    advances = {name: font_def["base"] + font_def["step"] * i for i, name in enumerate(glyph_order)}
+    assert len(set(advances.values())) == len(advances), font_def["file"]
 
     fb.setupGlyphOrder(glyph_order)
-    mapping = {cp: name for name, cp in spec["glyphs"] if cp is not None}
+    mapping = {cp: name for name, cp in font_def["glyphs"] if cp is not None}
 
-    if spec.get("cmap", "unicode") == "unicode":
+    if font_def.get("cmap", "unicode") == "unicode":
         fb.setupCharacterMap(mapping)
     else:
         subtable = CmapSubtable.newSubtable(4)
@@ -288,7 +288,7 @@ def make_font(spec):
         cmap.tables = [subtable]
         fb.font["cmap"] = cmap
 
-    shapes = {name: spec.get("shapes", {}).get(name, default_shape(code_of[name]))
+    shapes = {name: font_def.get("shapes", {}).get(name, default_shape(code_of[name]))
               for name in glyph_order}
     metrics = {}
     if cff:
@@ -297,8 +297,8 @@ def make_font(spec):
             pen = T2CharStringPen(advances[name], None)
             draw_shape(pen, shapes[name], advances[name])
             charstrings[name] = pen.getCharString()
-        ps_name = (spec["family"] + "-" + spec.get("style", "Regular")).replace(" ", "")
-        fb.setupCFF(ps_name, {"FullName": spec["family"]}, charstrings, {})
+        ps_name = (font_def["family"] + "-" + font_def.get("style", "Regular")).replace(" ", "")
+        fb.setupCFF(ps_name, {"FullName": font_def["family"]}, charstrings, {})
         for name in glyph_order:
             lsb = 0 if shapes[name] == "none" else 50
             metrics[name] = (advances[name], lsb)
@@ -314,10 +314,10 @@ def make_font(spec):
             metrics[name] = (advances[name], glyph.xMin if glyph.numberOfContours else 0)
     fb.setupHorizontalMetrics(metrics)
 
-    ascender, descender, line_gap = spec.get("hhea", (1900, -500, 90))
+    ascender, descender, line_gap = font_def.get("hhea", (1900, -500, 90))
     fb.setupHorizontalHeader(ascent=ascender, descent=descender, lineGap=line_gap)
 
-    names = spec.get("names") or default_names(spec["family"], spec.get("style", "Regular"))
+    names = font_def.get("names") or default_names(font_def["family"], font_def.get("style", "Regular"))
     name_table = newTable("name")
     name_table.names = []
     for name_id, platform, encoding, language, text in names:
@@ -328,11 +328,11 @@ def make_font(spec):
         name_table.names.append(record)
     fb.font["name"] = name_table
 
-    bold, italic = spec.get("bold", False), spec.get("italic", False)
-    if spec.get("os2", {}) is not None:
-        typo_ascender, typo_descender, typo_line_gap = spec.get("typo", (1600, -400, 70))
+    bold, italic = font_def.get("bold", False), font_def.get("italic", False)
+    if font_def.get("os2", {}) is not None:
+        typo_ascender, typo_descender, typo_line_gap = font_def.get("typo", (1600, -400, 70))
         panose = Panose()
-        for field, value in zip(PANOSE_FIELDS, spec.get("panose", PANOSE_REGULAR)):
+        for field, value in zip(PANOSE_FIELDS, font_def.get("panose", PANOSE_REGULAR)):
             setattr(panose, field, value)
         fs_selection = (0x20 if bold else 0) | (0x01 if italic else 0)
         os2 = dict(
@@ -352,27 +352,27 @@ def make_font(spec):
             achVendID="KELT",
         )
         os2.update(BASIC_RANGES)
-        os2.update(spec.get("os2", {}))
+        os2.update(font_def.get("os2", {}))
         fb.setupOS2(**os2)
 
-    if spec.get("post", True):
-        fb.setupPost(keepGlyphNames=spec.get("glyph_names", True),
-                     isFixedPitch=spec.get("fixed_pitch", 0))
-    if "pclt_pitch" in spec:
-        fb.font["PCLT"] = pclt_table(spec["pclt_pitch"])
+    if font_def.get("post", True):
+        fb.setupPost(keepGlyphNames=font_def.get("glyph_names", True),
+                     isFixedPitch=font_def.get("fixed_pitch", 0))
+    if "pclt_pitch" in font_def:
+        fb.font["PCLT"] = pclt_table(font_def["pclt_pitch"])
     fb.updateHead(created=TIMESTAMP, modified=TIMESTAMP,
                   macStyle=(1 if bold else 0) | (2 if italic else 0))
 
-    if spec.get("vertical"):
+    if font_def.get("vertical"):
         fb.setupVerticalHeader(ascent=1024, descent=-1024)
         fb.setupVerticalMetrics(
             {name: (1500 + 3 * i, 100) for i, name in enumerate(glyph_order)})
 
-    if spec.get("kern"):
+    if font_def.get("kern"):
         subtable = KernTable_format_0()
         subtable.coverage = 1  # horizontal, kerning values
         subtable.kernTable = {(mapping[left], mapping[right]): value
-                              for (left, right), value in spec["kern"].items()}
+                              for (left, right), value in font_def["kern"].items()}
         kern = newTable("kern")
         kern.version = 0
         kern.kernTables = [subtable]
@@ -414,7 +414,7 @@ def bitmap_strike(num_glyphs, ppem=16):
     return eblc, ebdt
 
 
-def without_head(spec):
+def without_head(font_def):
     """An sfnt whose header is a `bhed` table instead of `head`.
 
     FreeType requires `head` in every sfnt except the old Apple bitmap-only
@@ -427,7 +427,7 @@ def without_head(spec):
     load, and for such fonts it reads neither `hhea`, `hmtx` nor `OS/2`
     (these tables are in the file all the same).
     """
-    font = TTFont(io.BytesIO(font_bytes(make_font(spec))))
+    font = TTFont(io.BytesIO(font_bytes(make_font(font_def))))
     tables = {tag: font.reader[tag] for tag in font.reader.keys()
               if tag not in ("head", "glyf", "loca", "maxp")}
     num_glyphs = len(font.getGlyphOrder())
@@ -783,9 +783,9 @@ def main(argv):
         os.remove(manifest)
 
     written = []
-    for spec in FONTS:
-        write_file(os.path.join(out_dir, spec["file"]), font_bytes(make_font(spec)))
-        written.append(spec["file"])
+    for font_def in FONTS:
+        write_file(os.path.join(out_dir, font_def["file"]), font_bytes(make_font(font_def)))
+        written.append(font_def["file"])
 
     collection = TTCollection()
     collection.fonts = [TTFont(io.BytesIO(font_bytes(make_font(face))))
