@@ -118,27 +118,29 @@ float CKelFontWidth::AdjustAdvanceRatio(int fontIndex, float x) {
 }
 
 FontInfo* CKelFontWidth::_GetFontInfo(int fontIndex, const bool& bold, const bool& italic) {
-  const FontKey key{fontIndex, bold, italic};
-  auto it = fontInfoCache_.lower_bound(key);
-  if (it != fontInfoCache_.end() && !(key < it->first)) return it->second;
+  const CharKey key = FontKey{fontIndex, bold, italic}.AsCharKey();
+  FontInfo* info;
+  if (fontInfoCache_.Find(key, info)) return info;
   if (fontTable_ == nullptr) return nullptr;
-  FontInfo* info = fontTable_->GetFontInfo(fontIndex, bold, italic, true);
-  if (info != nullptr) fontInfoCache_.emplace_hint(it, key, info);
+  info = fontTable_->GetFontInfo(fontIndex, bold, italic, true);
+  if (info != nullptr) fontInfoCache_.Insert(key, info);
   return info;
 }
 
-bool CKelFontWidth::LoadCharMetrics(FontInfo& info) {
+CharMetricsInfo* CKelFontWidth::LoadCharMetrics(FontInfo& info) {
+  std::lock_guard<std::mutex> lock(loadMutex_);
+  if (CharMetricsInfo* loaded = info.GetCharMetricsInfo()) return loaded;
   if (loaded_.size() > kMaxLoadedBeforeEviction) {
     FontInfo* oldest = loaded_.front();
     oldest->SetCharMetricsInfo(nullptr);
     oldest->SetKerningInfo(nullptr);
     loaded_.pop_front();
   }
-  if (serializer_ == nullptr || !serializer_->ReadData(info)) return false;
+  if (serializer_ == nullptr || !serializer_->ReadData(info)) return nullptr;
   // A data file with kerning only: the face has no advances at all.
   if (info.GetCharMetricsInfo() == nullptr) info.SetCharMetricsInfo(new CharMetricsInfo());
   loaded_.push_back(&info);
-  return true;
+  return info.GetCharMetricsInfo();
 }
 
 int CKelFontWidth::GetFontCharInfo(int fontIndex, int ch, const bool& bold, const bool& italic,
@@ -151,8 +153,10 @@ int CKelFontWidth::GetFontCharInfo(int fontIndex, int ch, const bool& bold, cons
 
   FontInfo* info = _GetFontInfo(fontIndex, bold, italic);
   if (info == nullptr) return -4;
-  if (info->GetCharMetricsInfo() == nullptr && !LoadCharMetrics(*info)) return -5;
-  const CharMetrics* metrics = info->GetCharMetricsInfo()->GetCharMetrics(key.code);
+  qro_base::DeferredDeleter::ReadSection section(fontTable_->GetDeferredDeleter());
+  const CharMetricsInfo* table = info->GetCharMetricsInfo();
+  if (table == nullptr && (table = LoadCharMetrics(*info)) == nullptr) return -5;
+  const CharMetrics* metrics = table->GetCharMetrics(key.code);
   if (metrics == nullptr) {
     advance = 0;
     return -6;
@@ -169,13 +173,19 @@ int CKelFontWidth::GetKerningInfo(int fontIndex, const bool& bold, const bool& i
   if (fontTable_ == nullptr || fontIndex >= fontTable_->GetFontCount()) return -1;
   FontInfo* info = _GetFontInfo(fontIndex, bold, italic);
   if (info == nullptr) return -4;
-  if (info->GetKerningInfo() == nullptr) {
-    if (serializer_ == nullptr || !serializer_->ReadData(*info)) return -5;
-    // A data file without kerning: remember that the face has no pairs
-    // rather than reading the file again for every pair.
-    if (info->GetKerningInfo() == nullptr) info->SetKerningInfo(new KerningInfo());
+  qro_base::DeferredDeleter::ReadSection section(fontTable_->GetDeferredDeleter());
+  const KerningInfo* kerning = info->GetKerningInfo();
+  if (kerning == nullptr) {
+    std::lock_guard<std::mutex> lock(loadMutex_);
+    if (info->GetKerningInfo() == nullptr) {
+      if (serializer_ == nullptr || !serializer_->ReadData(*info)) return -5;
+      // A data file without kerning: remember that the face has no pairs
+      // rather than reading the file again for every pair.
+      if (info->GetKerningInfo() == nullptr) info->SetKerningInfo(new KerningInfo());
+    }
+    kerning = info->GetKerningInfo();
   }
-  delta = info->GetKerningInfo()->GetDelta(first, second);
+  delta = kerning->GetDelta(first, second);
   return 0;
 }
 
@@ -190,5 +200,7 @@ int CKelFontWidth::GetFontEmSquareFUnit(int fontIndex, const bool& bold, const b
 }
 
 void CKelFontWidth::ClearKelFontCacheInfo() {
-  if (fontTable_ != nullptr) fontTable_->ClearCacheInfo();
+  if (fontTable_ == nullptr) return;
+  std::lock_guard<std::mutex> lock(loadMutex_);
+  fontTable_->ClearCacheInfo();
 }

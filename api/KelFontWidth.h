@@ -1,7 +1,7 @@
 #pragma once
 
 #include <list>
-#include <map>
+#include <mutex>
 #include <set>
 #include <string>
 #include <vector>
@@ -11,6 +11,7 @@
 #include "common/manager/FontKey.h"
 
 namespace qro_common {
+class CharMetricsInfo;
 class FontInfo;
 class FontInfoFileExtracter;
 class FontInfoSerializer;
@@ -33,6 +34,13 @@ class FontTable;
 // created; -4 no face for (font index, bold, italic); -5 the face's data
 // file could not be read; -6 the character is not in the face's advance
 // table; -7 the face has no metrics.
+//
+// Threads: the set-up (paths, InitFontInfoSerializer, InitFontTable,
+// InitializeAdvanceRatioAdjustFontSet) must run alone; after it, the
+// queries and ClearKelFontCacheInfo() may run on any number of threads at
+// once. Cached answers are read without a lock; loading and dropping a
+// face's data take the facade's mutex, and dropped data is deleted only
+// when no query can still be reading it.
 //
 // The table and serializer it creates are never destroyed (the facade's
 // caches may still point into a table that a later start-up replaced);
@@ -105,9 +113,11 @@ class CKelFontWidth {
   qro_common::FontInfoSerializer* _GetFontInfoSerializer() const { return serializer_; }
 
  private:
-  // Reads the face's data file after dropping the oldest loaded face when
-  // too many are loaded; false when it could not be read.
-  bool LoadCharMetrics(qro_common::FontInfo& info);
+  // The face's per-character data, reading its data file (after dropping
+  // the oldest loaded face when too many are loaded) unless another thread
+  // did; null when it could not be read. Callers are in a read section of
+  // the table's deferred deleter.
+  qro_common::CharMetricsInfo* LoadCharMetrics(qro_common::FontInfo& info);
 
   std::string programPath_;
   std::string extractPath_;
@@ -116,7 +126,9 @@ class CKelFontWidth {
   qro_common::FontInfoFileExtracter* extracter_ = nullptr;
   qro_common::FontTable* fontTable_ = nullptr;
   qro_common::FontInfoSerializer* serializer_ = nullptr;
-  std::map<qro_common::FontKey, qro_common::FontInfo*> fontInfoCache_;
+  qro_common::CharKeyCache<qro_common::FontInfo*, 0> fontInfoCache_;
+  // Guards loaded_ and the loading and dropping of per-character data.
+  std::mutex loadMutex_;
   std::list<qro_common::FontInfo*> loaded_;
   // First answer wins; never shrinks.
   qro_common::CharKeyCache<int> resultCache_;

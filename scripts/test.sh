@@ -2,7 +2,7 @@
 # Installs what is missing, builds everything (library, kelfont tool,
 # tests) with warnings as errors and runs every test (the library's, the
 # tool's, and the install test that builds a host against an installed
-# tree): the normal build, then the AddressSanitizer + UBSan build; last, a
+# tree): the normal build, then the AddressSanitizer + UBSan build, then a
 # ThreadSanitizer build of the concurrency tests only; last, every fuzz
 # target for a short time (FUZZ_SECONDS, default 30 s each).
 set -euo pipefail
@@ -20,7 +20,8 @@ run_suite() {
   local dir=build-ci-$name
   echo "=== $name build ==="
   cmake -S . -B "$dir" -DKELFONT_WERROR=ON "$@" >/dev/null
-  cmake --build "$dir" -j"$jobs" ${SUITE_TARGET:+--target "$SUITE_TARGET"}
+  # shellcheck disable=SC2086  # SUITE_TARGETS is a list of targets
+  cmake --build "$dir" -j"$jobs" ${SUITE_TARGETS:+--target $SUITE_TARGETS}
   echo "=== $name tests ==="
   if ! ctest --test-dir "$dir" -j"$jobs" --output-on-failure --timeout 600 --no-tests=error \
        ${SUITE_TESTS:+-R "$SUITE_TESTS"}; then
@@ -30,7 +31,7 @@ run_suite() {
 
 run_suite release -DCMAKE_BUILD_TYPE=RelWithDebInfo
 run_suite asan -DCMAKE_BUILD_TYPE=Debug -DKELFONT_SANITIZE=ON
-SUITE_TARGET=kelfont_common_tests SUITE_TESTS=Concurren \
+SUITE_TARGETS="kelfont_base_tests kelfont_common_tests kelfont_api_tests" SUITE_TESTS=Concurren \
   run_suite tsan -DCMAKE_BUILD_TYPE=Debug -DKELFONT_TSAN=ON
 
 echo "=== fuzz smoke runs ==="

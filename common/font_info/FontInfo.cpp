@@ -1,5 +1,6 @@
 #include "common/font_info/FontInfo.h"
 
+#include "base/DeferredDeleter.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/KerningInfo.h"
 
@@ -16,11 +17,18 @@ void replaceOwned(T*& slot, T* value) {
 }
 
 // The same for a part that readers may look at while it is replaced: the
-// new object is published with release order.
+// new object is published, the old one unpublished in one sequentially
+// consistent exchange (which a deferred deleter's readers rely on), and the
+// old one goes to the deleter when there is one.
 template <typename T>
-void replaceOwned(std::atomic<T*>& slot, T* value) {
-  T* old = slot.exchange(value, std::memory_order_acq_rel);
-  if (old != value) delete old;
+void replaceOwned(std::atomic<T*>& slot, T* value, qro_base::DeferredDeleter* deleter) {
+  T* old = slot.exchange(value, std::memory_order_seq_cst);
+  if (old == value) return;
+  if (deleter != nullptr) {
+    deleter->Retire(old);
+  } else {
+    delete old;
+  }
 }
 
 }  // namespace
@@ -41,7 +49,7 @@ FontInfo::~FontInfo() {
 }
 
 void FontInfo::SetFontMetrics(FontMetrics* metrics) { replaceOwned(metrics_, metrics); }
-void FontInfo::SetCharMetricsInfo(CharMetricsInfo* info) { replaceOwned(charMetrics_, info); }
+void FontInfo::SetCharMetricsInfo(CharMetricsInfo* info) { replaceOwned(charMetrics_, info, deleter_); }
 void FontInfo::SetFilePath(const std::string* path) { replaceOwned(filePath_, path); }
 void FontInfo::SetFontName(const std::string* name) { replaceOwned(fontName_, name); }
 void FontInfo::SetFamilyName(const std::string* name) { replaceOwned(familyName_, name); }
@@ -49,7 +57,7 @@ void FontInfo::SetAlternateName(const std::string* name) { replaceOwned(alternat
 void FontInfo::SetStyleName(const std::string* name) { replaceOwned(styleName_, name); }
 void FontInfo::SetPanose(Panose* panose) { replaceOwned(panose_, panose); }
 void FontInfo::SetSig(Sig* sig) { replaceOwned(sig_, sig); }
-void FontInfo::SetKerningInfo(KerningInfo* info) { replaceOwned(kerning_, info); }
+void FontInfo::SetKerningInfo(KerningInfo* info) { replaceOwned(kerning_, info, deleter_); }
 
 void FontInfo::Update(FontInfo& source) {
   if (&source == this) return;

@@ -5,6 +5,10 @@
 #include <string>
 
 #include "base/NonCopyable.h"
+
+namespace qro_base {
+class DeferredDeleter;
+}
 #include "common/font_info/FontMetrics.h"
 #include "common/font_info/Panose.h"
 #include "common/font_info/Sig.h"
@@ -20,9 +24,12 @@ class KerningInfo;
 // object being set. An info is valid when it has both a PANOSE and a
 // signature.
 //
-// The per-character metrics and the kerning are published atomically
-// (release on set, acquire on get): a reader that finds them sees them
-// completely built, so one thread may load them while others look.
+// The per-character metrics and the kerning are published atomically: a
+// reader that finds them sees them completely built, so one thread may load
+// or drop them while others look. When the info has a deferred deleter (the
+// font table that owns it gives it one), a replaced or dropped part goes to
+// that deleter instead of being deleted at once, so readers inside a read
+// section of the deleter may go on using it.
 class FontInfo : public qro_base::NonCopyable {
  public:
   FontInfo();
@@ -41,7 +48,7 @@ class FontInfo : public qro_base::NonCopyable {
   void SetFontMetrics(FontMetrics* metrics);
   // Advances per character, loaded on demand from the data file.
   CharMetricsInfo* GetCharMetricsInfo() const {
-    return charMetrics_.load(std::memory_order_acquire);
+    return charMetrics_.load(std::memory_order_seq_cst);
   }
   void SetCharMetricsInfo(CharMetricsInfo* info);
   // Absolute path of the font file; null when the file is not available.
@@ -62,8 +69,11 @@ class FontInfo : public qro_base::NonCopyable {
   Sig* GetSig() const { return sig_; }
   void SetSig(Sig* sig);
   // Kerning pairs, loaded on demand from the data file.
-  KerningInfo* GetKerningInfo() const { return kerning_.load(std::memory_order_acquire); }
+  KerningInfo* GetKerningInfo() const { return kerning_.load(std::memory_order_seq_cst); }
   void SetKerningInfo(KerningInfo* info);
+  // Where replaced per-character metrics and kerning go; null (the default)
+  // deletes them at once. Not owned.
+  void SetDeferredDeleter(qro_base::DeferredDeleter* deleter) { deleter_ = deleter; }
 
   // Position in the font table, also the name of the data file; -1 for none.
   int GetInfoIndex() const { return infoIndex_; }
@@ -119,6 +129,7 @@ class FontInfo : public qro_base::NonCopyable {
   Panose* panose_ = nullptr;
   Sig* sig_ = nullptr;
   std::atomic<KerningInfo*> kerning_{nullptr};
+  qro_base::DeferredDeleter* deleter_ = nullptr;
   std::map<int, std::string> localizedNames_;
 };
 

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+
+#include "common/manager/CharKey.h"
 
 namespace qro_common {
 
@@ -21,17 +22,8 @@ struct FontKey {
   bool operator==(const FontKey& other) const {
     return fontIndex == other.fontIndex && bold == other.bold && italic == other.italic;
   }
-};
-
-// Hash of all three fields, for unordered caches keyed by FontKey.
-struct FontKeyHash {
-  std::size_t operator()(const FontKey& key) const {
-    std::uint64_t x = (static_cast<std::uint64_t>(static_cast<std::uint32_t>(key.fontIndex)) << 2) |
-                      (static_cast<std::uint64_t>(key.bold) << 1) |
-                      static_cast<std::uint64_t>(key.italic);
-    x *= 0x9e3779b97f4a7c15ULL;
-    return static_cast<std::size_t>(x ^ (x >> 32));
-  }
+  // The key of the answer caches: code 0.
+  CharKey AsCharKey() const { return CharKey{0, fontIndex, bold, italic}; }
 };
 
 }  // namespace qro_common

@@ -91,9 +91,9 @@ void FontManager::Reset() {
   }
   advanceRatioCache_.Clear();
   glyphAdvanceCache_.Clear();
-  visibleCharCache_.clear();
-  systemFontCache_.clear();
-  scriptFontCache_.clear();
+  visibleCharCache_.Clear();
+  systemFontCache_.Clear();
+  scriptFontCache_.Clear();
   advanceRatioAdjustFontSet_.clear();
   adjustSpacingFontSet_.clear();
   cjkExceptFontSet_.clear();
@@ -207,6 +207,7 @@ FontInfo* FontManager::GetFontInfo(int fontIndex, bool bold, bool italic) const 
 
 void FontManager::UpdateUILangCode() { uiLangCode_ = getUILangCode(); }
 
+// Under faceMutex_.
 FT_FaceRec_* FontManager::FontFace(const FontInfo& info) {
   if (!facePool_) facePool_.reset(new FontFacePool());
   return facePool_->GetFontFace(info);

@@ -1,12 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <list>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "base/NonCopyable.h"
@@ -49,11 +49,17 @@ class FontTable;
 // character. Per-character data of a face is loaded on first use and at
 // most 31 faces keep it (the oldest is dropped first).
 //
-// Threads: Initialize, Update, Reset and the scan must run alone. Once
-// initialised, GetCharMetrics, IsVisibleChar and IsSystemFont may be called
-// from several threads as long as no face is dropped (at most 30 faces
-// loaded); the other queries write unguarded caches and must be serialised
-// by the caller. Outline drawing is not reentrant.
+// Threads: Initialize, Update, Reset, Register and the scan must run alone.
+// Once initialised, every query (advances, glyph advances, visibility,
+// ConfirmVisibleChar, kerning, outlines, ResolveSystemFontInfo,
+// ClearCacheInfo) may run on any number of threads at once, also while
+// faces are dropped and loaded again. The answer caches are read without a
+// lock; loading a face's data, dropping one and clearing take the manager's
+// mutex; FreeType faces are used under a mutex of their own. Dropped data is
+// deleted only when no query can still be reading it (see
+// FontTable::GetDeferredDeleter()). The metrics GetCharMetrics() returns
+// stay valid until the face's data is dropped or cleared, or while the
+// caller is in a read section of that deleter.
 //
 // The concrete manager is qro_ni::DefaultFontManager, which fixes the
 // storage path and the font directories.
@@ -139,7 +145,9 @@ class FontManager : public qro_base::NonCopyable {
   float CacheCharAdvancedRatio(CharKey& key, const CharMetrics& metrics,
                                const FontMetrics& fontMetrics);
   // The metrics of `ch` in the face of the font and style (loading its data
-  // on first use); null when there are none.
+  // on first use); null when there are none. While other threads may drop
+  // faces' data, use them inside a read section of the font table's
+  // deferred deleter.
   CharMetrics* GetCharMetrics(int fontIndex, unsigned ch, bool bold, bool italic);
   CharMetrics* GetCharMetrics(const std::string& fontName, unsigned ch, bool bold, bool italic);
   // Whether the regular face of the font maps `ch`.
@@ -150,7 +158,8 @@ class FontManager : public qro_base::NonCopyable {
   // Loads the per-character data and kerning of `info`: from its data
   // file, analysing the font file or extracting the package's data file
   // first when the data file is missing. Drops the oldest loaded face when
-  // more than 30 are loaded. Callers hold the lock.
+  // more than 30 are loaded. Callers hold the lock (and, when they use the
+  // data afterwards, a read section of the table's deferred deleter).
   void ReadFontInfoData(FontInfo& info, int fontIndex);
   // Whether the font is an extra-bold font without a file of its own.
   bool IsFontBold(int fontIndex);
@@ -261,15 +270,18 @@ class FontManager : public qro_base::NonCopyable {
   DefaultFontInfo* defaultFontInfo_ = nullptr;
   std::map<int, std::vector<int>*> fontChains_;
 
-  // Query caches: the first answer for a key stays.
+  // Query caches: the first answer for a key stays. Keyed by CharKey
+  // (see the keys' AsCharKey()); visible-character records are packed.
   CharKeyCache<float> advanceRatioCache_;
   CharKeyCache<float> glyphAdvanceCache_;
-  std::unordered_map<VisibleCharInfoKey, VisibleCharInfo, VisibleCharInfoKeyHash> visibleCharCache_;
-  mutable std::unordered_map<FontKey, FontInfo*, FontKeyHash> systemFontCache_;
-  std::unordered_map<ScriptFontKey, FontInfo*, ScriptFontKeyHash> scriptFontCache_;
+  CharKeyCache<std::uint64_t> visibleCharCache_;
+  mutable CharKeyCache<FontInfo*, 0> systemFontCache_;
+  CharKeyCache<FontInfo*, 8> scriptFontCache_;
   // Guarded by mutex_.
   std::list<FontInfo*> loaded_;
   FontInfo* evicting_ = nullptr;
+  // Guards facePool_ and every use of its FreeType faces.
+  std::mutex faceMutex_;
 
   std::set<int> advanceRatioAdjustFontSet_;
   std::set<int> adjustSpacingFontSet_;

@@ -45,6 +45,7 @@ bool FontManager::TryAdvance(CharKey& key, int fontIndex, unsigned c, bool bold,
   if (fontIndex < 0) return false;
   FontInfo* info = fontTable_->ResolveFontInfo(fontIndex, bold, italic, true);
   if (info == nullptr) return false;
+  qro_base::DeferredDeleter::ReadSection section(fontTable_->GetDeferredDeleter());
   CharMetricsInfo* table = LoadedCharMetricsInfo(*info, fontIndex);
   const CharMetrics* metrics = table == nullptr ? nullptr : table->GetCharMetrics(c);
   const FontMetrics* fontMetrics = info->GetFontMetrics();
@@ -105,17 +106,18 @@ float FontManager::CacheCharAdvancedRatio(CharKey& key, const CharMetrics& metri
 bool FontManager::CacheVisibleCharInfo(VisibleCharInfoKey& key, int fontIndex, unsigned ch,
                                        bool /*bold*/, bool /*italic*/, bool substituted) {
   if (!IsVisibleChar(fontIndex, ch)) return false;
-  visibleCharCache_.emplace(key, VisibleCharInfo{fontIndex, ch, substituted});
+  visibleCharCache_.Insert(key.AsCharKey(), VisibleCharInfo{fontIndex, ch, substituted}.Pack());
   return true;
 }
 
 bool FontManager::ConfirmVisibleChar(int& fontIndex, unsigned& ch, bool bold, bool italic) {
   VisibleCharInfoKey key{ch, fontIndex};
-  auto hit = visibleCharCache_.find(key);
-  if (hit != visibleCharCache_.end()) {
-    fontIndex = hit->second.fontIndex;
-    ch = hit->second.code;
-    return hit->second.substituted;
+  std::uint64_t packed;
+  if (visibleCharCache_.Find(key.AsCharKey(), packed)) {
+    const VisibleCharInfo hit = VisibleCharInfo::Unpack(packed);
+    fontIndex = hit.fontIndex;
+    ch = hit.code;
+    return hit.substituted;
   }
   if (fontTable_ == nullptr) return false;
 
@@ -171,19 +173,23 @@ float FontManager::GetGlyphAdvanceRatio(int fontIndex, int script, unsigned glyp
   if (info == nullptr) return 0.0f;
   const FontMetrics* fontMetrics = info->GetFontMetrics();
   if (fontMetrics == nullptr || fontMetrics->GetUnitsPerEm() == 0) return 0.0f;
-  FT_Face face = FontFace(*info);
-  if (face == nullptr || FT_Load_Glyph(face, glyphIndex, FT_LOAD_NO_SCALE) != 0) return 0.0f;
-  const FT_Glyph_Metrics& metrics = face->glyph->metrics;
-  FT_Pos width = metrics.horiAdvance > 0 ? metrics.horiAdvance : metrics.width;
+  FT_Pos width;
+  {
+    std::lock_guard<std::mutex> lock(faceMutex_);
+    FT_Face face = FontFace(*info);
+    if (face == nullptr || FT_Load_Glyph(face, glyphIndex, FT_LOAD_NO_SCALE) != 0) return 0.0f;
+    const FT_Glyph_Metrics& metrics = face->glyph->metrics;
+    width = metrics.horiAdvance > 0 ? metrics.horiAdvance : metrics.width;
+  }
   float ratio = static_cast<float>(width) / static_cast<float>(fontMetrics->GetUnitsPerEm());
   glyphAdvanceCache_.Insert(key, ratio);
   return ratio;
 }
 
 FontInfo* FontManager::ResolveSystemFontInfo(int fontIndex, bool bold, bool italic) const {
-  FontKey key{fontIndex, bold, italic};
-  auto hit = systemFontCache_.find(key);
-  if (hit != systemFontCache_.end()) return hit->second;
+  const CharKey key = FontKey{fontIndex, bold, italic}.AsCharKey();
+  FontInfo* cached;
+  if (systemFontCache_.Find(key, cached)) return cached;
   if (fontTable_ == nullptr) return nullptr;
 
   FontInfo* info = fontTable_->GetFontInfo(fontIndex, bold, italic, true);
@@ -203,14 +209,15 @@ FontInfo* FontManager::ResolveSystemFontInfo(int fontIndex, bool bold, bool ital
           fontTable_->GetFontInfo(defaultFontIndexes_[kDefaultFontCount - 1], bold, italic, true);
     }
   }
-  systemFontCache_.emplace(key, info);
+  systemFontCache_.Insert(key, info);
   return info;
 }
 
 FontInfo* FontManager::ResolveSystemFontInfo(int fontIndex, int script, bool bold, bool italic) {
-  ScriptFontKey key{fontIndex, static_cast<std::uint8_t>(script), bold, italic};
-  auto hit = scriptFontCache_.find(key);
-  if (hit != scriptFontCache_.end()) return hit->second;
+  const CharKey key =
+      ScriptFontKey{fontIndex, static_cast<std::uint8_t>(script), bold, italic}.AsCharKey();
+  FontInfo* cached;
+  if (scriptFontCache_.Find(key, cached)) return cached;
   if (fontTable_ == nullptr) return nullptr;
 
   FontInfo* info = fontTable_->GetFontInfo(fontIndex, bold, italic, false);
@@ -236,7 +243,7 @@ FontInfo* FontManager::ResolveSystemFontInfo(int fontIndex, int script, bool bol
           fontTable_->GetFontInfo(defaultFontIndexes_[kDefaultFontCount - 1], bold, italic, false);
     }
   }
-  scriptFontCache_.emplace(key, info);
+  scriptFontCache_.Insert(key, info);
   return info;
 }
 

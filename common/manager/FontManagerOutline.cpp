@@ -17,10 +17,13 @@ namespace {
 constexpr FT_F26Dot6 kCharHeight = 2048;
 constexpr FT_UInt kResolution = 72;
 
-// The pen origin of the outline being drawn. Process-wide: outline drawing
-// is not reentrant.
-int gOriginX = 0;
-int gOriginY = 0;
+// What the outline callbacks draw into: the host's path and the pen origin
+// of this call, so that outlines may be drawn on several threads at once.
+struct Target {
+  qro_graphics::Path* path;
+  int originX;
+  int originY;
+};
 
 // x truncated toward zero; 0 when it does not fit an int (or is NaN).
 int truncateToInt(float x) {
@@ -30,28 +33,35 @@ int truncateToInt(float x) {
 
 // A FreeType point on the path: moved to the origin, y flipped (the path's
 // y grows downward).
-float pathX(const FT_Vector* point) { return static_cast<float>(gOriginX + point->x); }
-float pathY(const FT_Vector* point) { return static_cast<float>(gOriginY - point->y); }
+float pathX(const Target& target, const FT_Vector* point) {
+  return static_cast<float>(target.originX + point->x);
+}
+float pathY(const Target& target, const FT_Vector* point) {
+  return static_cast<float>(target.originY - point->y);
+}
 
 int moveTo(const FT_Vector* to, void* user) {
-  static_cast<qro_graphics::Path*>(user)->moveTo(pathX(to), pathY(to));
+  const Target& t = *static_cast<const Target*>(user);
+  t.path->moveTo(pathX(t, to), pathY(t, to));
   return 0;
 }
 
 int lineTo(const FT_Vector* to, void* user) {
-  static_cast<qro_graphics::Path*>(user)->lineTo(pathX(to), pathY(to));
+  const Target& t = *static_cast<const Target*>(user);
+  t.path->lineTo(pathX(t, to), pathY(t, to));
   return 0;
 }
 
 int conicTo(const FT_Vector* control, const FT_Vector* to, void* user) {
-  static_cast<qro_graphics::Path*>(user)->quadTo(pathX(control), pathY(control), pathX(to),
-                                                 pathY(to));
+  const Target& t = *static_cast<const Target*>(user);
+  t.path->quadTo(pathX(t, control), pathY(t, control), pathX(t, to), pathY(t, to));
   return 0;
 }
 
 int cubicTo(const FT_Vector* control1, const FT_Vector* control2, const FT_Vector* to, void* user) {
-  static_cast<qro_graphics::Path*>(user)->cubicTo(pathX(control1), pathY(control1), pathX(control2),
-                                                  pathY(control2), pathX(to), pathY(to));
+  const Target& t = *static_cast<const Target*>(user);
+  t.path->cubicTo(pathX(t, control1), pathY(t, control1), pathX(t, control2), pathY(t, control2),
+                  pathX(t, to), pathY(t, to));
   return 0;
 }
 
@@ -60,8 +70,7 @@ const FT_Outline_Funcs kOutlineFuncs = {moveTo, lineTo, conicTo, cubicTo, 0, 0};
 // Loads `glyph` at 2048 units per em and draws it from the origin. On
 // success x moves on by the advance (after the side-bearing correction when
 // asked) and 0 is returned.
-int drawGlyph(FT_Face face, FT_UInt glyph, bool bearingCorrection, float& x,
-              qro_graphics::Path* path) {
+int drawGlyph(FT_Face face, FT_UInt glyph, bool bearingCorrection, float& x, Target& target) {
   FT_Set_Char_Size(face, 0, kCharHeight, kResolution, kResolution);
   if (FT_Load_Glyph(face, glyph, FT_LOAD_DEFAULT) != 0) return -1;
   const FT_GlyphSlot slot = face->glyph;
@@ -71,8 +80,8 @@ int drawGlyph(FT_Face face, FT_UInt glyph, bool bearingCorrection, float& x,
     float bearing = static_cast<float>(slot->metrics.horiBearingX);
     pen += slot->metrics.width > slot->metrics.horiAdvance ? -bearing : bearing;
   }
-  if (FT_Outline_Decompose(&slot->outline, &kOutlineFuncs, path) != 0) {
-    path->reset();
+  if (FT_Outline_Decompose(&slot->outline, &kOutlineFuncs, &target) != 0) {
+    target.path->reset();
     return -1;
   }
   x = pen + static_cast<float>(slot->metrics.horiAdvance);
@@ -83,22 +92,22 @@ int drawGlyph(FT_Face face, FT_UInt glyph, bool bearingCorrection, float& x,
 
 int FontManager::OutlineToPath(const FontInfo* info, unsigned ch, float& x, float& y,
                                qro_graphics::Path* path) {
-  gOriginX = truncateToInt(x);
-  gOriginY = truncateToInt(y);
+  Target target{path, truncateToInt(x), truncateToInt(y)};
   if (info == nullptr || path == nullptr) return -1;
+  std::lock_guard<std::mutex> lock(faceMutex_);
   FT_Face face = FontFace(*info);
   if (face == nullptr) return -1;
-  return drawGlyph(face, FT_Get_Char_Index(face, ch), false, x, path);
+  return drawGlyph(face, FT_Get_Char_Index(face, ch), false, x, target);
 }
 
 int FontManager::GlyphOutlineToPath(const FontInfo* info, unsigned glyphIndex, float& x, float& y,
                                     qro_graphics::Path* path) {
-  gOriginX = truncateToInt(x);
-  gOriginY = truncateToInt(y);
+  Target target{path, truncateToInt(x), truncateToInt(y)};
   if (info == nullptr || path == nullptr) return -1;
+  std::lock_guard<std::mutex> lock(faceMutex_);
   FT_Face face = FontFace(*info);
   if (face == nullptr) return -1;
-  return drawGlyph(face, glyphIndex, true, x, path);
+  return drawGlyph(face, glyphIndex, true, x, target);
 }
 
 }  // namespace qro_common

@@ -11,6 +11,8 @@
 
 namespace qro_common {
 
+using ReadSection = qro_base::DeferredDeleter::ReadSection;
+
 CharMetricsInfo* FontManager::LoadedCharMetricsInfo(FontInfo& info, int fontIndex) {
   if (CharMetricsInfo* metrics = info.GetCharMetricsInfo()) return metrics;
   std::lock_guard<std::mutex> lock(mutex_);
@@ -55,6 +57,7 @@ CharMetrics* FontManager::GetCharMetrics(int fontIndex, unsigned ch, bool bold, 
   if (fontIndex < 0 || fontTable_ == nullptr) return nullptr;
   FontInfo* info = fontTable_->ResolveFontInfo(fontIndex, bold, italic, true);
   if (info == nullptr) return nullptr;
+  ReadSection section(fontTable_->GetDeferredDeleter());
   CharMetricsInfo* metrics = LoadedCharMetricsInfo(*info, fontIndex);
   return metrics == nullptr ? nullptr : metrics->GetCharMetrics(ch);
 }
@@ -68,6 +71,7 @@ bool FontManager::IsVisibleChar(int fontIndex, unsigned ch) {
   if (fontTable_ == nullptr) return false;
   FontInfo* info = fontTable_->ResolveFontInfo(fontIndex, false, false, true);
   if (info == nullptr) return false;
+  ReadSection section(fontTable_->GetDeferredDeleter());
   CharMetricsInfo* metrics = LoadedCharMetricsInfo(*info, fontIndex);
   return metrics != nullptr && metrics->IsVisibleChar(ch);
 }
@@ -75,6 +79,8 @@ bool FontManager::IsVisibleChar(int fontIndex, unsigned ch) {
 bool FontManager::IsSystemFont(int fontIndex, FontInfo* info, int range) {
   if (info == nullptr || info->GetFilePath() == nullptr) return false;
   if (range < 0) return true;
+  if (fontTable_ == nullptr) return false;
+  ReadSection section(fontTable_->GetDeferredDeleter());
   CharMetricsInfo* metrics = LoadedCharMetricsInfo(*info, fontIndex);
   unsigned slot = static_cast<unsigned>(range) & 0xFF;
   return metrics != nullptr && slot < 128 &&
@@ -116,7 +122,9 @@ int FontManager::GetKerningWidth(int fontIndex, bool bold, bool italic, unsigned
 }
 
 int FontManager::GetKerningWidth(const FontInfo* info, unsigned first, unsigned second) const {
-  const KerningInfo* kerning = info == nullptr ? nullptr : info->GetKerningInfo();
+  if (info == nullptr || fontTable_ == nullptr) return 0;
+  ReadSection section(fontTable_->GetDeferredDeleter());
+  const KerningInfo* kerning = info->GetKerningInfo();
   if (kerning == nullptr) return 0;
   return kerning->GetDelta(static_cast<int>(first), static_cast<int>(second));
 }

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+
+#include "common/manager/CharKey.h"
 
 namespace qro_common {
 
@@ -24,17 +25,8 @@ struct ScriptFontKey {
     return fontIndex == other.fontIndex && script == other.script && bold == other.bold &&
            italic == other.italic;
   }
-};
-
-struct ScriptFontKeyHash {
-  std::size_t operator()(const ScriptFontKey& key) const {
-    std::uint64_t x =
-        (static_cast<std::uint64_t>(static_cast<std::uint32_t>(key.fontIndex)) << 10) |
-        (static_cast<std::uint64_t>(key.script) << 2) |
-        (static_cast<std::uint64_t>(key.bold) << 1) | static_cast<std::uint64_t>(key.italic);
-    x *= 0x9e3779b97f4a7c15ULL;
-    return static_cast<std::size_t>(x ^ (x >> 32));
-  }
+  // The key of the answer caches: the script as the code.
+  CharKey AsCharKey() const { return CharKey{script, fontIndex, bold, italic}; }
 };
 
 }  // namespace qro_common

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+
+#include "common/manager/CharKey.h"
 
 namespace qro_common {
 
@@ -18,6 +19,8 @@ struct VisibleCharInfoKey {
   bool operator==(const VisibleCharInfoKey& other) const {
     return code == other.code && fontIndex == other.fontIndex;
   }
+  // The key of the answer caches: regular style.
+  CharKey AsCharKey() const { return CharKey{code, fontIndex, false, false}; }
 };
 
 // What the visible-character cache remembers for a key: the font and
@@ -26,18 +29,19 @@ struct VisibleCharInfo {
   int fontIndex;
   std::uint32_t code;
   bool substituted;
-};
 
-struct VisibleCharInfoKeyHash {
-  std::size_t operator()(const VisibleCharInfoKey& key) const {
-    std::uint64_t x =
-        (static_cast<std::uint64_t>(key.code) << 32) | static_cast<std::uint32_t>(key.fontIndex);
-    x ^= x >> 33;
-    x *= 0xff51afd7ed558ccdULL;
-    x ^= x >> 33;
-    x *= 0xc4ceb9fe1a85ec53ULL;
-    x ^= x >> 33;
-    return static_cast<std::size_t>(x);
+  // The record in 64 bits, for the answer caches: the code, the font index
+  // (31 bits, sign kept) and the flag.
+  std::uint64_t Pack() const {
+    return code | (static_cast<std::uint64_t>(static_cast<std::uint32_t>(fontIndex) & 0x7FFFFFFFu)
+                   << 32) |
+           (static_cast<std::uint64_t>(substituted) << 63);
+  }
+  static VisibleCharInfo Unpack(std::uint64_t bits) {
+    auto index = static_cast<std::uint32_t>((bits >> 32) & 0x7FFFFFFFu);
+    if ((index & 0x40000000u) != 0) index |= 0x80000000u;
+    return VisibleCharInfo{static_cast<int>(index), static_cast<std::uint32_t>(bits),
+                           (bits >> 63) != 0};
   }
 };
 

@@ -176,6 +176,7 @@ int FontTable::RegisterFontInfo(FontInfo* info, bool fromCache) {
   }
 
   info->SetInfoIndex(GetFontInfoCount());
+  info->SetDeferredDeleter(&retired_);
   infos_.push_back(info);
   RegisterLocaleFontName(info, index);
   list->ConfirmDefaultFontInfo();

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/DeferredDeleter.h"
 #include "base/NonCopyable.h"
 #include "common/font_info/Font.h"
 #include "common/font_info/Storage.h"
@@ -117,6 +118,10 @@ class FontTable : public qro_base::NonCopyable {
   // Drops every face's character metrics and kerning (they are reloaded on
   // demand).
   void ClearCacheInfo();
+  // The deleter that the per-character data and kerning of the registered
+  // infos go to when dropped or replaced: a reader that uses them without
+  // the loading lock does so inside a read section of it.
+  qro_base::DeferredDeleter& GetDeferredDeleter() const { return retired_; }
   // Deletes every face and styled list and empties the name map. The fonts
   // stay, so font indexes already handed out keep their meaning and a
   // reloaded face finds its old font by name.
@@ -129,6 +134,9 @@ class FontTable : public qro_base::NonCopyable {
   int FindOrAddFont(const std::string& name, bool* added);
   StyledFontInfoList* StyledListFor(int fontIndex);
 
+  // Per-character data that readers may still hold when it is dropped or
+  // replaced; declared first so that it outlives the infos.
+  mutable qro_base::DeferredDeleter retired_;
   std::vector<FontInfo*> infos_;
   std::map<std::string, int, std::less<>> nameMap_;
   Storage<Font> fonts_;

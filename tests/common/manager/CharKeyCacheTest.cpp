@@ -5,9 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <thread>
+#include <vector>
 
 #include "common/manager/CharKeyCache.h"
 
@@ -76,6 +79,68 @@ TEST(CharKeyCache, FirstValueOfEveryKindOfKeyStays) {
   ratios.Clear();
   EXPECT_EQ(ratios.Size(), 0u);
   EXPECT_FALSE(ratios.Find(keys[0], ratio));
+}
+
+// Pointers (64-bit values) per font and style (code 0) and per script: the
+// other two shapes of the cache.
+TEST(CharKeyCache, WideValuesAndNarrowCodes) {
+  int a = 0, b = 0;
+  CharKeyCache<int*, 0> perFont;
+  CharKeyCache<int*, 8> perScript;
+  EXPECT_TRUE(perFont.Insert({0, 5, true, false}, &a));
+  EXPECT_TRUE(perFont.Insert({0, 5, false, false}, nullptr));
+  EXPECT_TRUE(perFont.Insert({1, 5, false, false}, &b));  // beyond the dense codes
+  EXPECT_TRUE(perScript.Insert({255, 5, false, true}, &b));
+  int* found = &b;
+  EXPECT_TRUE(perFont.Find({0, 5, true, false}, found));
+  EXPECT_EQ(found, &a);
+  EXPECT_TRUE(perFont.Find({0, 5, false, false}, found));
+  EXPECT_EQ(found, nullptr);
+  EXPECT_TRUE(perFont.Find({1, 5, false, false}, found));
+  EXPECT_EQ(found, &b);
+  EXPECT_FALSE(perScript.Find({254, 5, false, true}, found));
+  EXPECT_TRUE(perScript.Find({255, 5, false, true}, found));
+  EXPECT_EQ(found, &b);
+}
+
+// Readers look keys up while writers add them, over font indexes that make
+// the table of font styles grow several times (run under ThreadSanitizer):
+// a reader finds either nothing or the value of the key.
+TEST(CharKeyCacheConcurrency, ReadersSeeNothingOrTheValueWhileTheTableGrows) {
+  CharKeyCache<int> cache;
+  auto valueOf = [](const CharKey& key) {
+    return static_cast<int>(key.code * 7 + key.fontIndex * 3 + key.bold);
+  };
+  auto keyOf = [](int i) {
+    const unsigned codes[] = {0x41, 0xAC00, 0x1F600};
+    return CharKey{codes[(i / 1500) % 3], i % 1500, i / 1500 == 3, false};
+  };
+  constexpr int kKeys = 6000;
+  std::atomic<int> wrong{0}, found{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 8; ++t) {
+    threads.emplace_back([&, t] {
+      for (int i = 0; i < kKeys; ++i) {
+        const CharKey key = keyOf((i + t * 997) % kKeys);
+        int value = -1;
+        if (cache.Find(key, value)) {
+          ++found;
+          if (value != valueOf(key)) ++wrong;
+        } else if (t % 2 == 0) {
+          cache.Insert(key, valueOf(key));
+        }
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(wrong.load(), 0);
+  EXPECT_GT(found.load(), 0);
+  EXPECT_EQ(cache.Size(), static_cast<std::size_t>(kKeys));
+  for (int i = 0; i < kKeys; ++i) {
+    int value = -1;
+    ASSERT_TRUE(cache.Find(keyOf(i), value)) << i;
+    EXPECT_EQ(value, valueOf(keyOf(i)));
+  }
 }
 
 }  // namespace

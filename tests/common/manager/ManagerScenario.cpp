@@ -4,6 +4,8 @@
 #include <stdexcept>
 
 #include "common/font_info/FontInfo.h"
+#include "common/font_info/KerningInfo.h"
+#include "tests/common/font_info/TableBuilders.h"
 #include "tests/support/TestFonts.h"
 #include "tests/support/TestPackage.h"
 
@@ -18,10 +20,31 @@ void link(const std::string& target, const std::string& directory) {
   std::filesystem::create_symlink(from, std::filesystem::path(directory) / from.filename());
 }
 
+// basic.ttf's characters and kerning pairs with advances n units wider and
+// deltas n units smaller.
+std::string packageFontData(const ExpectedFace& basic, int n) {
+  qro_common::FontInfo info;
+  auto* table = new qro_common::CharMetricsInfo();
+  info.SetCharMetricsInfo(table);
+  for (const auto& entry : basic.chars) {
+    font_info_test::addAdvance(*table, entry.first,
+                               static_cast<unsigned short>(entry.second.advance + n));
+  }
+  auto* kerning = new qro_common::KerningInfo();
+  info.SetKerningInfo(kerning);
+  for (const auto& pair : basic.kerning) {
+    kerning->Register(static_cast<int>(pair.first.first), static_cast<int>(pair.first.second),
+                      static_cast<short>(pair.second - n));
+  }
+  return dataFileBytes(info);
+}
+
 void buildPackage(const std::string& directory) {
   std::unique_ptr<qro_common::FontInfo> basic = analyzeFontFile(testFontPath("basic.ttf"));
-  if (!basic) throw std::runtime_error("basic.ttf cannot be analysed");
-  std::string data = dataFileBytes(*basic);
+  ExpectedFace expected;
+  if (!basic || !loadExpectedFace("basic.ttf", 0, &expected)) {
+    throw std::runtime_error("basic.ttf cannot be analysed");
+  }
   std::vector<qro_common::FontInfo> owned(kPackageFontCount);
   std::vector<qro_common::FontInfo*> infos;
   TestPackage package;
@@ -29,7 +52,7 @@ void buildPackage(const std::string& directory) {
     owned[n].SetFontName(new std::string(packageFontName(n)));
     owned[n].SetFontMetrics(new qro_common::FontMetrics(*basic->GetFontMetrics()));
     infos.push_back(&owned[n]);
-    package.add("Fdata/" + std::to_string(n), data);
+    package.add("Fdata/" + std::to_string(n), packageFontData(expected, n));
   }
   if (!package.addFontTable(infos)) throw std::runtime_error("package table not written");
   package.add("fc", "Liberation Serif\nNanumGothic\n\n굴림\nNanumGothic\n\n");

@@ -24,8 +24,9 @@ class TestFontManager : public qro_common::FontManager {
 };
 
 // Directory A: DejaVu Sans, Liberation Serif, basic.ttf, wingdings.ttf,
-// collection.ttc (3 faces); B: NanumGothic. The package: 32 package-only
-// fonts "Pkg00".."Pkg31" (basic.ttf's record and data, no file); chains
+// collection.ttc (3 faces); B: NanumGothic. The package: 40 package-only
+// fonts "Pkg00".."Pkg39" (basic.ttf's record, no file; font n has basic.ttf's
+// characters n units wider and its kerning deltas n units smaller); chains
 // "Liberation Serif" and "굴림" -> NanumGothic; default fonts DejaVu Sans,
 // DejaVu Sans, NanumGothic, DejaVu Sans, DejaVu Sans; script defaults
 // 56 -> NanumGothic ("sf") and 56 -> Liberation Serif ("sf_ko-KR").
@@ -35,7 +36,7 @@ struct Scenario {
   static const Scenario& get();  // built once per process
 };
 constexpr int kScenarioFaceCount = 8;
-constexpr int kPackageFontCount = 32;
+constexpr int kPackageFontCount = 40;
 std::string packageFontName(int n);
 
 struct ManagerRig {
