@@ -1,11 +1,10 @@
 #include "api/KelFontWidth.h"
 
-#include "base/KeepForProcess.h"
-
 #include <limits>
 #include <new>
 
 #include "base/FileUtils.h"
+#include "base/KeepForProcess.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontInfoSerializer.h"
@@ -150,8 +149,14 @@ int CKelFontWidth::GetFontCharInfo(int fontIndex, int ch, const bool& bold, cons
   // can be asked before the face is looked up.
   const CharKey key{static_cast<std::uint32_t>(ch), fontIndex, bold, italic};
   if (resultCache_.Find(key, advance)) return 0;
+  return UncachedFontCharInfo(key, advance);
+}
 
-  FontInfo* info = _GetFontInfo(fontIndex, bold, italic);
+__attribute__((noinline)) int CKelFontWidth::UncachedFontCharInfo(const CharKey& key,
+                                                                  int& advance) {
+  const int fontIndex = key.fontIndex;
+  const bool bold = key.bold;
+  FontInfo* info = _GetFontInfo(fontIndex, bold, key.italic);
   if (info == nullptr) return -4;
   qro_base::DeferredDeleter::ReadSection section(fontTable_->GetDeferredDeleter());
   const CharMetricsInfo* table = info->GetCharMetricsInfo();

@@ -113,6 +113,9 @@ class CKelFontWidth {
   qro_common::FontInfoSerializer* _GetFontInfoSerializer() const { return serializer_; }
 
  private:
+  // The part of GetFontCharInfo() after a cache miss, kept apart so that a
+  // cache hit costs a small function.
+  int UncachedFontCharInfo(const qro_common::CharKey& key, int& advance);
   // The face's per-character data, reading its data file (after dropping
   // the oldest loaded face when too many are loaded) unless another thread
   // did; null when it could not be read. Callers are in a read section of

@@ -9,8 +9,8 @@ namespace {
 // Threads spread over the counters by a hash of their handle; two threads
 // sharing a counter are still counted correctly, only a little slower.
 unsigned stripeOfThisThread(unsigned stripes) {
-  auto id = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(
-      reinterpret_cast<void*>(pthread_self())));
+  auto id = static_cast<std::uint64_t>(
+      reinterpret_cast<std::uintptr_t>(reinterpret_cast<void*>(pthread_self())));
   return static_cast<unsigned>((id * 0x9E3779B97F4A7C15ull) >> 32) % stripes;
 }
 

@@ -2,6 +2,9 @@
 // mixed Latin and Hangul text in NanumGothic, every key already asked once.
 // libkelfont's two doors against HarfBuzz (nominal glyph + horizontal
 // advance of an hb-ot font) and FreeType (char index + unscaled advance).
+// Hot queries: the manager's other per-character questions over the same
+// text, with the face loaded: visibility (read from the face's data),
+// ConfirmVisibleChar (cached) and the kerning of each pair.
 
 #include <benchmark/benchmark.h>
 #include <ft2build.h>
@@ -33,19 +36,71 @@ void countChars(benchmark::State& state) {
                           static_cast<int64_t>(text().size()));
 }
 
-void managerAdvance(benchmark::State& state) {
+qro_common::FontManager& hotManager() {
   static StartedManager* manager = [] {
     auto* started = new StartedManager(warmStorage(), listsPackageFolder(), realFontFolders());
     started->Start();
     return started;
   }();
-  qro_common::FontManager& fonts = manager->Manager();
+  return manager->Manager();
+}
+
+int hotFont(qro_common::FontManager& fonts) {
   const int font = fonts.GetFontIndex(cjkFontName());
   if (font < 0) throw std::runtime_error("no CJK font in the cache");
+  return font;
+}
+
+void managerAdvance(benchmark::State& state) {
+  qro_common::FontManager& fonts = hotManager();
+  const int font = hotFont(fonts);
   for (char32_t c : text()) fonts.GetCharAdvanceRatio(font, c, false, false);
   for (auto _ : state) {
     float sum = 0;
     for (char32_t c : text()) sum += fonts.GetCharAdvanceRatio(font, c, false, false);
+    benchmark::DoNotOptimize(sum);
+  }
+  countChars(state);
+}
+
+void managerVisible(benchmark::State& state) {
+  qro_common::FontManager& fonts = hotManager();
+  const int font = hotFont(fonts);
+  for (auto _ : state) {
+    int visible = 0;
+    for (char32_t c : text()) visible += fonts.IsVisibleChar(font, c);
+    benchmark::DoNotOptimize(visible);
+  }
+  countChars(state);
+}
+
+void managerConfirm(benchmark::State& state) {
+  qro_common::FontManager& fonts = hotManager();
+  const int font = hotFont(fonts);
+  for (auto _ : state) {
+    unsigned sum = 0;
+    for (char32_t c : text()) {
+      int shown = font;
+      unsigned ch = c;
+      fonts.ConfirmVisibleChar(shown, ch, false, false);
+      sum += ch + static_cast<unsigned>(shown);
+    }
+    benchmark::DoNotOptimize(sum);
+  }
+  countChars(state);
+}
+
+void managerKerning(benchmark::State& state) {
+  qro_common::FontManager& fonts = hotManager();
+  const int font = hotFont(fonts);
+  fonts.GetCharMetrics(font, 'A', false, false);  // loads the face's data and kerning
+  for (auto _ : state) {
+    long sum = 0;
+    char32_t previous = ' ';
+    for (char32_t c : text()) {
+      sum += fonts.GetKerningWidth(font, false, false, previous, c);
+      previous = c;
+    }
     benchmark::DoNotOptimize(sum);
   }
   countChars(state);
@@ -123,6 +178,12 @@ void registerHotAdvanceBenchmarks() {
   benchmark::RegisterBenchmark("HotAdvance/harfbuzz", harfbuzzAdvance)
       ->Unit(benchmark::kMillisecond);
   benchmark::RegisterBenchmark("HotAdvance/freetype", freetypeAdvance)
+      ->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("HotQueries/kelfont_visible", managerVisible)
+      ->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("HotQueries/kelfont_confirm", managerConfirm)
+      ->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("HotQueries/kelfont_kerning", managerKerning)
       ->Unit(benchmark::kMillisecond);
 }
 

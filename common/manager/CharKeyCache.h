@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <shared_mutex>
 #include <type_traits>
 #include <unordered_map>
@@ -66,11 +68,7 @@ class CharKeyCache {
       }
       if (overflowSize_.load(std::memory_order_acquire) == 0) return false;
     }
-    std::shared_lock<std::shared_mutex> lock(overflowMutex_);
-    auto it = overflow_.find(key);
-    if (it == overflow_.end()) return false;
-    value = it->second;
-    return true;
+    return FindOverflow(key, value);
   }
 
   // Stores `value` for `key` unless the key has a value already; whether it
@@ -111,7 +109,7 @@ class CharKeyCache {
   void Clear() {
     if (Styles* styles = styles_.load(std::memory_order_relaxed)) {
       for (std::size_t i = 0; i < styles->count; ++i) {
-        Pages* pages = styles->slots[i].load(std::memory_order_relaxed);
+        Pages* pages = styles->slots()[i].load(std::memory_order_relaxed);
         if (pages == nullptr) continue;
         for (auto& page : pages->pages) delete page.load(std::memory_order_relaxed);
         delete pages;
@@ -145,13 +143,25 @@ class CharKeyCache {
   struct Pages {
     std::atomic<Page*> pages[kPageCount] = {};
   };
-  // One entry per font index and style; replaced whole when it grows.
+  // One entry per font index and style, in the same block as the count;
+  // replaced whole when it grows.
   struct Styles {
-    explicit Styles(std::size_t n) : count(n), slots(new std::atomic<Pages*>[n]) {
-      for (std::size_t i = 0; i < n; ++i) slots[i].store(nullptr, std::memory_order_relaxed);
-    }
     std::size_t count;
-    std::unique_ptr<std::atomic<Pages*>[]> slots;
+
+    // The `count` entries, right after the count.
+    std::atomic<Pages*>* slots() { return reinterpret_cast<std::atomic<Pages*>*>(this + 1); }
+    const std::atomic<Pages*>* slots() const {
+      return reinterpret_cast<const std::atomic<Pages*>*>(this + 1);
+    }
+    static Styles* Make(std::size_t n) {
+      void* memory = ::operator new(sizeof(Styles) + n * sizeof(std::atomic<Pages*>));
+      auto* styles = new (memory) Styles{n};
+      for (std::size_t i = 0; i < n; ++i) new (&styles->slots()[i]) std::atomic<Pages*>(nullptr);
+      return styles;
+    }
+    struct Free {
+      void operator()(Styles* styles) const { ::operator delete(styles); }
+    };
   };
 
   static bool IsDense(const CharKey& key) {
@@ -161,12 +171,22 @@ class CharKeyCache {
     return static_cast<std::size_t>(key.fontIndex) * 4 + (key.bold ? 2 : 0) + (key.italic ? 1 : 0);
   }
 
+  // Kept out of line, so that the dense look-up inlined into its callers
+  // stays small.
+  __attribute__((noinline)) bool FindOverflow(const CharKey& key, Value& value) const {
+    std::shared_lock<std::shared_mutex> lock(overflowMutex_);
+    auto it = overflow_.find(key);
+    if (it == overflow_.end()) return false;
+    value = it->second;
+    return true;
+  }
+
   // The dense slot of `key` when its page exists; null otherwise.
   const Slot* FindSlot(const CharKey& key) const {
     const Styles* styles = styles_.load(std::memory_order_acquire);
     const std::size_t style = StyleSlot(key);
     if (styles == nullptr || style >= styles->count) return nullptr;
-    const Pages* pages = styles->slots[style].load(std::memory_order_acquire);
+    const Pages* pages = styles->slots()[style].load(std::memory_order_acquire);
     if (pages == nullptr) return nullptr;
     const Page* page = pages->pages[key.code >> kPageBits].load(std::memory_order_acquire);
     return page == nullptr ? nullptr : &page->slots[key.code & kPageMask];
@@ -177,10 +197,10 @@ class CharKeyCache {
     const std::size_t style = StyleSlot(key);
     Styles* styles = styles_.load(std::memory_order_relaxed);
     if (styles == nullptr || style >= styles->count) styles = Grow(styles, style + 1);
-    Pages* pages = styles->slots[style].load(std::memory_order_relaxed);
+    Pages* pages = styles->slots()[style].load(std::memory_order_relaxed);
     if (pages == nullptr) {
       pages = new Pages();
-      styles->slots[style].store(pages, std::memory_order_release);
+      styles->slots()[style].store(pages, std::memory_order_release);
     }
     std::atomic<Page*>& pageSlot = pages->pages[key.code >> kPageBits];
     Page* page = pageSlot.load(std::memory_order_relaxed);
@@ -197,11 +217,11 @@ class CharKeyCache {
   Styles* Grow(Styles* old, std::size_t needed) {
     std::size_t count = old == nullptr ? kFirstStyleCount : old->count * 2;
     count = std::min<std::size_t>(std::max(count, needed), std::size_t(kMaxDenseFont) * 4);
-    std::unique_ptr<Styles> grown(new Styles(count));
+    std::unique_ptr<Styles, typename Styles::Free> grown(Styles::Make(count));
     if (old != nullptr) {
       for (std::size_t i = 0; i < old->count; ++i) {
-        grown->slots[i].store(old->slots[i].load(std::memory_order_relaxed),
-                              std::memory_order_relaxed);
+        grown->slots()[i].store(old->slots()[i].load(std::memory_order_relaxed),
+                                std::memory_order_relaxed);
       }
     }
     Styles* published = grown.get();
@@ -212,7 +232,7 @@ class CharKeyCache {
 
   std::atomic<Styles*> styles_{nullptr};
   // Every styles table made since the last Clear(), the current one last.
-  std::vector<std::unique_ptr<Styles>> retiredStyles_;
+  std::vector<std::unique_ptr<Styles, typename Styles::Free>> retiredStyles_;
   std::mutex insertMutex_;
   mutable std::shared_mutex overflowMutex_;
   std::unordered_map<CharKey, Value, CharKeyHash> overflow_;

@@ -251,6 +251,11 @@ class FontManager : public qro_base::NonCopyable {
   // The face's per-character data, loaded on first use (test, lock, test
   // again); null when it cannot be loaded.
   CharMetricsInfo* LoadedCharMetricsInfo(FontInfo& info, int fontIndex);
+  // The parts of GetCharAdvanceRatio() and ConfirmVisibleChar() after a
+  // cache miss, kept apart so that a cache hit costs a small function.
+  float UncachedCharAdvanceRatio(CharKey& key);
+  bool UncachedConfirmVisibleChar(VisibleCharInfoKey& key, int& fontIndex, unsigned& ch,
+                                  bool bold, bool italic);
   // Looks `c` up in one font; on success caches and stores the ratio.
   bool TryAdvance(CharKey& key, int fontIndex, unsigned c, bool bold, bool italic, float& ratio);
   // Reads the default fonts list into the default font indexes and the

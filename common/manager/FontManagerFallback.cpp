@@ -60,7 +60,14 @@ float FontManager::GetCharAdvanceRatio(int fontIndex, unsigned ch, bool bold, bo
   CharKey key{ch, fontIndex, bold, italic};
   float cached;
   if (advanceRatioCache_.Find(key, cached)) return cached;
+  return UncachedCharAdvanceRatio(key);
+}
+
+__attribute__((noinline)) float FontManager::UncachedCharAdvanceRatio(CharKey& key) {
   if (fontTable_ == nullptr) return 0.0f;
+  const int fontIndex = key.fontIndex;
+  const unsigned ch = key.code;
+  const bool bold = key.bold, italic = key.italic;
 
   float ratio = 0.0f;
   unsigned c = ch;
@@ -119,6 +126,12 @@ bool FontManager::ConfirmVisibleChar(int& fontIndex, unsigned& ch, bool bold, bo
     ch = hit.code;
     return hit.substituted;
   }
+  return UncachedConfirmVisibleChar(key, fontIndex, ch, bold, italic);
+}
+
+__attribute__((noinline)) bool FontManager::UncachedConfirmVisibleChar(VisibleCharInfoKey& key,
+                                                                       int& fontIndex, unsigned& ch,
+                                                                       bool bold, bool italic) {
   if (fontTable_ == nullptr) return false;
 
   const int range = FontUSBType::GetUSBType(ch);

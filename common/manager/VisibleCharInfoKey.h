@@ -33,8 +33,8 @@ struct VisibleCharInfo {
   // The record in 64 bits, for the answer caches: the code, the font index
   // (31 bits, sign kept) and the flag.
   std::uint64_t Pack() const {
-    return code | (static_cast<std::uint64_t>(static_cast<std::uint32_t>(fontIndex) & 0x7FFFFFFFu)
-                   << 32) |
+    return code |
+           (static_cast<std::uint64_t>(static_cast<std::uint32_t>(fontIndex) & 0x7FFFFFFFu) << 32) |
            (static_cast<std::uint64_t>(substituted) << 63);
   }
   static VisibleCharInfo Unpack(std::uint64_t bits) {

@@ -69,8 +69,7 @@ Answer ask(qro_common::FontManager& manager, const Query& q) {
       return {manager.GetCharAdvanceRatio(q.font, q.code, q.bold, q.italic)};
     case Kind::kMetrics: {
       // The metrics stay valid while the caller is in a read section.
-      qro_base::DeferredDeleter::ReadSection section(
-          manager.GetFontTable()->GetDeferredDeleter());
+      qro_base::DeferredDeleter::ReadSection section(manager.GetFontTable()->GetDeferredDeleter());
       const qro_common::CharMetrics* m = manager.GetCharMetrics(q.font, q.code, q.bold, q.italic);
       return {m == nullptr ? -1.0f : static_cast<float>(m->GetAdvance())};
     }
@@ -93,8 +92,8 @@ Answer ask(qro_common::FontManager& manager, const Query& q) {
     case Kind::kKerning:
       // Loads the face first: the kerning of a face that is not loaded is 0.
       manager.GetCharMetrics(q.font, q.code, q.bold, q.italic);
-      return {static_cast<float>(manager.GetKerningWidth(q.font, q.bold, q.italic, q.code,
-                                                         q.second))};
+      return {
+          static_cast<float>(manager.GetKerningWidth(q.font, q.bold, q.italic, q.code, q.second))};
     case Kind::kOutline: {
       Answer out;
       RecordingPath path(&out);
@@ -196,7 +195,8 @@ TEST(FontManagerConcurrencyTest, EightThreadsAnswerAsOneWhileFacesAreDroppedAndR
 
   EXPECT_EQ(wrong.load(), 0) << first;
   EXPECT_GT(loadedKerning.load(), 0);
-  EXPECT_LE(rig->GetLoadedFontInfos().size(), qro_common::FontManager::kMaxLoadedBeforeEviction + 1);
+  EXPECT_LE(rig->GetLoadedFontInfos().size(),
+            qro_common::FontManager::kMaxLoadedBeforeEviction + 1);
   // With every reader gone, two collections free everything dropped.
   qro_base::DeferredDeleter& retired = rig->GetFontTable()->GetDeferredDeleter();
   retired.Collect();
