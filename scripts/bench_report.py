@@ -128,6 +128,11 @@ def main():
     w(f"| 5 | Peak resident set of a manager with 31 CJK-sized faces loaded (same manager "
       f"with none loaded: {rss['idle_peak_rss_kib'] / 1024:.1f} MiB; heap kept per loaded face: "
       f"{rss['heap_per_face_kib']:.1f} KiB) | {rss['peak_rss_kib'] / 1024:.1f} MiB | | | | |")
+    for name, what in (("visible", "`IsVisibleChar` (read from the loaded face)"),
+                       ("confirm", "`ConfirmVisibleChar` (cached)"),
+                       ("kerning", "`GetKerningWidth` of each pair")):
+        ours = per_item_ns(get(mem, "HotQueries/kelfont_" + name))
+        w(f"| 6 | Per character of the same text, {what} | {fmt(ours, 'ns')} | | | | |")
     w("")
 
     w("## What is measured")
@@ -152,6 +157,9 @@ def main():
     w("   character; the peak resident set (`ru_maxrss`) of a child process that starts a")
     w("   manager over a cache of 31 copies of NanumGothic's data under distinct names and")
     w("   asks one character of each.")
+    w("6. **Other queries** over the text of 1, in the manager, the face loaded: whether")
+    w("   NanumGothic maps the character, the font and character that show it, and the kerning")
+    w("   of each character with the one before.")
     w("")
     w("Scratch folders (storage, fontconfig's cache) live on a memory file system for the")
     w("main run, so that the start-ups measure the libraries rather than the disk's handling")
@@ -175,6 +183,14 @@ def main():
     w("  all its characters share it (Hangul and ideographs of CJK fonts), else two bytes per")
     w("  character plus a count per 64 codes; the old form kept two bytes for every code of a")
     w("  block, mapped or not (a CJK font maps a quarter of the ideograph block).")
+    w("- **Thread safety at no cost to cache hits.** Every query may run on many threads; a")
+    w("  cached answer is read with plain loads (atomic slots written once, tables published")
+    w("  whole) in a small function, the uncached rest kept out of line. Queries that read a")
+    w("  face's data without the lock count themselves in on a striped counter (two atomic")
+    w("  increments), so that dropped data is deleted only when nobody reads it. Measured")
+    w("  against the commit before, in one run: hot advance 0.99× (manager) and 0.96× (facade),")
+    w("  `ConfirmVisibleChar` 0.60× (its hash map became a dense cache), `GetKerningWidth` 1.03×,")
+    w("  `IsVisibleChar` 1.24× (about 4 ns for the read section on a 16 ns query).")
     w("- **Block reads.** Data files and the default font information are read in blocks")
     w("  instead of one virtual call per byte; the bytes on disk are unchanged.")
     w("")
