@@ -53,10 +53,11 @@ int GetFontEmSquareFUnit(int fontIndex, const bool& bold, const bool& italic, in
 
 int GetKerningInfo(int fontIndex, const bool& bold, const bool& italic, int first, int second,
                    int& delta) {
-  startTime = std::clock();
+  // Stored atomically: callers on several threads write them at once.
+  __atomic_store_n(&startTime, std::clock(), __ATOMIC_RELAXED);
   if (gKelFontWidth == nullptr) return -1;
   // Both time stamps are taken before the work is done.
-  endTime = std::clock();
+  __atomic_store_n(&endTime, std::clock(), __ATOMIC_RELAXED);
   return gKelFontWidth->GetKerningInfo(fontIndex, bold, italic, first, second, delta);
 }
 

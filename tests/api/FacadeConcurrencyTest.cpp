@@ -1,7 +1,7 @@
-// Eight threads ask one facade everything at once, over more faces than stay
-// loaded, while another thread keeps clearing the loaded data (run under
-// ThreadSanitizer and AddressSanitizer in CI). Every answer must be the one
-// a single thread gets from a facade of its own.
+// Eight threads ask the facade everything at once through the entry points,
+// over more faces than stay loaded, while another thread keeps clearing the
+// loaded data (run under ThreadSanitizer and AddressSanitizer in CI). Every
+// answer must be the one a single thread gets from a facade of its own.
 
 #include <gtest/gtest.h>
 
@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "api/KelFontWidth.h"
+#include "api/kelfont.h"
 #include "common/registry/FontTable.h"
 #include "tests/api/FacadeCache.h"
 #include "tests/support/TempDir.h"
@@ -33,18 +34,22 @@ struct Query {
 
 using Answer = std::array<int, 2>;  // status, value
 
-Answer ask(CKelFontWidth& facade, const Query& q) {
+// Asks `facade`, or the entry points when it is null.
+Answer ask(CKelFontWidth* facade, const Query& q) {
   int value = -12345;
   int status = 0;
   switch (q.kind) {
     case Kind::kAdvance:
-      status = facade.GetFontCharInfo(q.font, q.ch, q.bold, q.italic, value);
+      status = facade ? facade->GetFontCharInfo(q.font, q.ch, q.bold, q.italic, value)
+                      : GetFontCharInfo(q.font, q.ch, q.bold, q.italic, value);
       break;
     case Kind::kKerning:
-      status = facade.GetKerningInfo(q.font, q.bold, q.italic, q.ch, 'V', value);
+      status = facade ? facade->GetKerningInfo(q.font, q.bold, q.italic, q.ch, 'V', value)
+                      : GetKerningInfo(q.font, q.bold, q.italic, q.ch, 'V', value);
       break;
     case Kind::kEmSquare:
-      status = facade.GetFontEmSquareFUnit(q.font, q.bold, q.italic, value);
+      status = facade ? facade->GetFontEmSquareFUnit(q.font, q.bold, q.italic, value)
+                      : GetFontEmSquareFUnit(q.font, q.bold, q.italic, value);
       break;
   }
   return {status, value};
@@ -69,10 +74,12 @@ TEST(FacadeConcurrency, EightThreadsAnswerAsOneWhileFacesAreDroppedAndReloaded) 
   }
   ASSERT_TRUE(writeCache(base, faces));
 
-  CKelFontWidth reference, facade;
+  CKelFontWidth reference;
   start(reference, base);
-  start(facade, base);
-  const int fontCount = facade._GetFontTable()->GetFontCount();
+  testing::internal::CaptureStdout();  // the facade's start-up line
+  ASSERT_EQ(InitKelFont("", base.c_str(), ""), 0);
+  testing::internal::GetCapturedStdout();
+  const int fontCount = gKelFontWidth->_GetFontTable()->GetFontCount();
   ASSERT_GT(fontCount, int(CKelFontWidth::kMaxLoadedBeforeEviction) + 20);
 
   std::vector<Query> queries;
@@ -87,13 +94,13 @@ TEST(FacadeConcurrency, EightThreadsAnswerAsOneWhileFacesAreDroppedAndReloaded) 
     }
   }
   std::vector<Answer> expected;
-  for (const Query& q : queries) expected.push_back(ask(reference, q));
+  for (const Query& q : queries) expected.push_back(ask(&reference, q));
 
   std::atomic<int> wrong{0};
   std::atomic<bool> done{false};
   std::thread clearer([&] {
     while (!done.load()) {
-      facade.ClearKelFontCacheInfo();
+      ClearKelFontCacheInfo();
       std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
   });
@@ -106,7 +113,7 @@ TEST(FacadeConcurrency, EightThreadsAnswerAsOneWhileFacesAreDroppedAndReloaded) 
       for (int round = 0; round < 3; ++round) {
         std::shuffle(order.begin(), order.end(), random);
         for (std::size_t i : order) {
-          if (ask(facade, queries[i]) != expected[i]) ++wrong;
+          if (ask(nullptr, queries[i]) != expected[i]) ++wrong;
         }
       }
     });
@@ -117,12 +124,13 @@ TEST(FacadeConcurrency, EightThreadsAnswerAsOneWhileFacesAreDroppedAndReloaded) 
 
   EXPECT_EQ(wrong.load(), 0);
   // The answers depend on the data files: a crowd font's kerning and advance.
-  EXPECT_EQ(ask(facade, {Kind::kKerning, fontCount - 1, 'A', false, false}), (Answer{0, -40}));
-  EXPECT_EQ(ask(facade, {Kind::kAdvance, fontCount - 1, 'B', false, false}), (Answer{0, 239}));
-  qro_base::DeferredDeleter& retired = facade._GetFontTable()->GetDeferredDeleter();
+  EXPECT_EQ(ask(nullptr, {Kind::kKerning, fontCount - 1, 'A', false, false}), (Answer{0, -40}));
+  EXPECT_EQ(ask(nullptr, {Kind::kAdvance, fontCount - 1, 'B', false, false}), (Answer{0, 239}));
+  qro_base::DeferredDeleter& retired = gKelFontWidth->_GetFontTable()->GetDeferredDeleter();
   retired.Collect();
   retired.Collect();
   EXPECT_EQ(retired.PendingCount(), 0u);
+  UnInitKelFont();
 }
 
 }  // namespace
