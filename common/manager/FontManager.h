@@ -261,6 +261,9 @@ class FontManager : public qro_base::NonCopyable {
   // Reads the default fonts list into the default font indexes and the
   // serializer; the part of LoadDefaultFont() that writes nothing.
   void LoadDefaultFontList(FontInfoSerializer& serializer);
+  // OutlineToPath() (a character) and GlyphOutlineToPath() (a glyph index).
+  int DrawOutline(const FontInfo* info, unsigned code, bool isGlyphIndex, float& x, float& y,
+                  qro_graphics::Path* path);
   // The open FreeType face of `info` from the face pool; null when none.
   FT_FaceRec_* FontFace(const FontInfo& info);
   bool IsUsableChainFont(int fontIndex) const;

@@ -92,22 +92,24 @@ int drawGlyph(FT_Face face, FT_UInt glyph, bool bearingCorrection, float& x, Tar
 
 int FontManager::OutlineToPath(const FontInfo* info, unsigned ch, float& x, float& y,
                                qro_graphics::Path* path) {
-  Target target{path, truncateToInt(x), truncateToInt(y)};
-  if (info == nullptr || path == nullptr) return -1;
-  std::lock_guard<std::mutex> lock(faceMutex_);
-  FT_Face face = FontFace(*info);
-  if (face == nullptr) return -1;
-  return drawGlyph(face, FT_Get_Char_Index(face, ch), false, x, target);
+  return DrawOutline(info, ch, false, x, y, path);
 }
 
 int FontManager::GlyphOutlineToPath(const FontInfo* info, unsigned glyphIndex, float& x, float& y,
                                     qro_graphics::Path* path) {
+  return DrawOutline(info, glyphIndex, true, x, y, path);
+}
+
+int FontManager::DrawOutline(const FontInfo* info, unsigned code, bool isGlyphIndex, float& x,
+                             float& y, qro_graphics::Path* path) {
   Target target{path, truncateToInt(x), truncateToInt(y)};
   if (info == nullptr || path == nullptr) return -1;
   std::lock_guard<std::mutex> lock(faceMutex_);
   FT_Face face = FontFace(*info);
   if (face == nullptr) return -1;
-  return drawGlyph(face, glyphIndex, true, x, target);
+  // A glyph index gets the side-bearing correction, a character does not.
+  const FT_UInt glyph = isGlyphIndex ? code : FT_Get_Char_Index(face, code);
+  return drawGlyph(face, glyph, isGlyphIndex, x, target);
 }
 
 }  // namespace qro_common
