@@ -80,7 +80,7 @@ import sys
 sys.dont_write_bytecode = True  # leave no __pycache__ in the source tree
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import gen_usb_types  # noqa: E402
-from generated_source import write_or_check  # noqa: E402
+from generated_source import bmp_run_table, wrapped, write_or_check  # noqa: E402
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 OUTPUT = os.path.join(ROOT, "base", "CharacterTypeGenerated.cpp")
@@ -314,54 +314,17 @@ def render(ucd, upper, lower, types):
     w("namespace character_type_data {")
     w("namespace {")
     w("")
-    w("// charTypes as runs: each run starts at `first` and lasts until the next")
-    w("// run starts; the last run ends at U+FFFF.")
-    w("struct TypeRun {")
-    w("  unsigned short first;")
-    w("  unsigned char value;")
-    w("};")
-    w("")
-    w("constexpr TypeRun kTypeRuns[] = {")
-    line = " "
-    previous = None
-    for cp, value in enumerate(types):
-        if value == previous:
-            continue
-        previous = value
-        item = " {0x%04X, %d}," % (cp, value)
-        if len(line) + len(item) > 79:
-            w(line)
-            line = " "
-        line += item
-    w(line)
-    w("};")
-    w("")
-    w("constexpr std::array<unsigned char, 0x10000> expandTypeRuns() {")
-    w("  std::array<unsigned char, 0x10000> table{};")
-    w("  constexpr unsigned runCount = sizeof(kTypeRuns) / sizeof(kTypeRuns[0]);")
-    w("  for (unsigned i = 0; i < runCount; ++i) {")
-    w("    unsigned end = i + 1 < runCount ? kTypeRuns[i + 1].first : 0x10000u;")
-    w("    for (unsigned cp = kTypeRuns[i].first; cp < end; ++cp) table[cp] = kTypeRuns[i].value;")
-    w("  }")
-    w("  return table;")
-    w("}")
-    w("")
-    w("// Evaluated by the compiler: the table is constant data, ready before any")
-    w("// code runs.")
-    w("constexpr std::array<unsigned char, 0x10000> kCharTypes = expandTypeRuns();")
+    runs = [(cp, value) for cp, value in enumerate(types) if cp == 0 or types[cp - 1] != value]
+    for line in bmp_run_table("charTypes", "TypeRun", "value", "kTypeRuns", "expandTypeRuns",
+                              "kCharTypes", runs):
+        w(line)
     w("")
     w("}  // namespace")
     w("")
     for name, pairs in (("kUpperCasePairs", upper), ("kLowerCasePairs", lower)):
         w("const CasePair %s[] = {" % name)
-        line = " "
-        for cp, target in pairs:
-            item = " {0x%04X, 0x%04X}," % (cp, target)
-            if len(line) + len(item) > 79:
-                w(line)
-                line = " "
-            line += item
-        w(line)
+        for line in wrapped([" {0x%04X, 0x%04X}," % (cp, target) for cp, target in pairs]):
+            w(line)
         w("};")
         count = name.replace("Pairs", "PairCount")
         w("const unsigned %s = sizeof(%s) / sizeof(%s[0]);" % (count, name, name))

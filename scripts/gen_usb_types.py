@@ -27,7 +27,7 @@ import os
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from generated_source import write_or_check  # noqa: E402
+from generated_source import bmp_run_table, write_or_check  # noqa: E402
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 OUTPUT = os.path.join(ROOT, "common", "analysis", "UsbTypesGenerated.cpp")
@@ -247,38 +247,9 @@ def render(table, bits, multi_bits, supplementary):
     w("namespace usb_data {")
     w("namespace {")
     w("")
-    w("// The BMP as runs: each run starts at `first` and lasts until the next")
-    w("// run starts; the last run ends at U+FFFF.")
-    w("struct BmpRun {")
-    w("  unsigned short first;")
-    w("  unsigned char bit;")
-    w("};")
-    w("")
-    runs = runs_of(table)
-    w("constexpr BmpRun kBmpRuns[] = {")
-    line = " "
-    for first, bit in runs:
-        item = " {0x%04X, %d}," % (first, bit)
-        if len(line) + len(item) > 79:
-            w(line)
-            line = " "
-        line += item
-    w(line)
-    w("};")
-    w("")
-    w("constexpr std::array<unsigned char, 0x10000> expandBmpRuns() {")
-    w("  std::array<unsigned char, 0x10000> table{};")
-    w("  constexpr unsigned runCount = sizeof(kBmpRuns) / sizeof(kBmpRuns[0]);")
-    w("  for (unsigned i = 0; i < runCount; ++i) {")
-    w("    unsigned end = i + 1 < runCount ? kBmpRuns[i + 1].first : 0x10000u;")
-    w("    for (unsigned cp = kBmpRuns[i].first; cp < end; ++cp) table[cp] = kBmpRuns[i].bit;")
-    w("  }")
-    w("  return table;")
-    w("}")
-    w("")
-    w("// Evaluated by the compiler: the table is constant data, ready before any")
-    w("// code runs.")
-    w("constexpr std::array<unsigned char, 0x10000> kUsbTypes = expandBmpRuns();")
+    for line in bmp_run_table("The BMP", "BmpRun", "bit", "kBmpRuns", "expandBmpRuns",
+                              "kUsbTypes", runs_of(table)):
+        w(line)
     w("")
     w("}  // namespace")
     w("")
