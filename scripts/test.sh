@@ -14,6 +14,7 @@ fi
 
 jobs=$(nproc 2>/dev/null || echo 2)
 status=0
+summary=()
 
 run_suite() {
   local name=$1; shift
@@ -23,10 +24,12 @@ run_suite() {
   # shellcheck disable=SC2086  # SUITE_TARGETS is a list of targets
   cmake --build "$dir" -j"$jobs" ${SUITE_TARGETS:+--target $SUITE_TARGETS}
   echo "=== $name tests ==="
+  local log=$dir/ctest.log
   if ! ctest --test-dir "$dir" -j"$jobs" --output-on-failure --timeout 600 --no-tests=error \
-       ${SUITE_TESTS:+-R "$SUITE_TESTS"}; then
+       ${SUITE_TESTS:+-R "$SUITE_TESTS"} 2>&1 | tee "$log"; then
     status=1
   fi
+  summary+=("$name: $(grep -E 'tests passed' "$log" | tail -1 || true)")
 }
 
 run_suite release -DCMAKE_BUILD_TYPE=RelWithDebInfo
@@ -35,8 +38,14 @@ SUITE_TARGETS="kelfont_base_tests kelfont_common_tests kelfont_api_tests" SUITE_
   run_suite tsan -DCMAKE_BUILD_TYPE=Debug -DKELFONT_TSAN=ON
 
 echo "=== fuzz smoke runs ==="
-if ! bash scripts/fuzz.sh "${FUZZ_SECONDS:-30}"; then
+mkdir -p build-fuzz
+fuzz_log=build-fuzz/smoke.log
+if ! bash scripts/fuzz.sh "${FUZZ_SECONDS:-30}" 2>&1 | tee "$fuzz_log"; then
   status=1
 fi
+summary+=("fuzz: $(grep -c ': clean' "$fuzz_log" || true) targets clean, $(grep -c 'FINDING' "$fuzz_log" || true) with findings")
+
+echo "=== summary ==="
+printf '%s\n' "${summary[@]}"
 
 exit $status
