@@ -1,35 +1,8 @@
 #include "base/DeferredDeleter.h"
 
-#include <pthread.h>
-
 namespace qro_base {
 
-namespace {
-
-// Threads spread over the counters by a hash of their handle; two threads
-// sharing a counter are still counted correctly, only a little slower.
-unsigned stripeOfThisThread(unsigned stripes) {
-  auto id = static_cast<std::uint64_t>(
-      reinterpret_cast<std::uintptr_t>(reinterpret_cast<void*>(pthread_self())));
-  return static_cast<unsigned>((id * 0x9E3779B97F4A7C15ull) >> 32) % stripes;
-}
-
-}  // namespace
-
 DeferredDeleter::~DeferredDeleter() { CollectAll(); }
-
-std::atomic<std::uint32_t>* DeferredDeleter::Enter() const {
-  const unsigned stripe = stripeOfThisThread(kStripes);
-  for (;;) {
-    const std::uint64_t generation = generation_.load(std::memory_order_seq_cst);
-    std::atomic<std::uint32_t>& counter = counters_[generation & 1][stripe].readers;
-    counter.fetch_add(1, std::memory_order_seq_cst);
-    // Counted in the generation that is still current: a writer that moves
-    // on from here on sees this reader.
-    if (generation_.load(std::memory_order_seq_cst) == generation) return &counter;
-    counter.fetch_sub(1, std::memory_order_release);
-  }
-}
 
 void DeferredDeleter::Retire(void* object, void (*destroy)(void*)) {
   if (object == nullptr) return;

@@ -68,7 +68,25 @@ class DeferredDeleter : public NonCopyable {
 
   // Registers the calling thread's reader in the current generation; the
   // counter to decrement on leaving.
-  std::atomic<std::uint32_t>* Enter() const;
+  std::atomic<std::uint32_t>* Enter() const {
+    const unsigned stripe = StripeOfThisThread();
+    for (;;) {
+      const std::uint64_t generation = generation_.load(std::memory_order_seq_cst);
+      std::atomic<std::uint32_t>& counter = counters_[generation & 1][stripe].readers;
+      counter.fetch_add(1, std::memory_order_seq_cst);
+      // Counted in the generation that is still current: a writer that
+      // moves on from here on sees this reader.
+      if (generation_.load(std::memory_order_seq_cst) == generation) return &counter;
+      counter.fetch_sub(1, std::memory_order_release);
+    }
+  }
+  // Threads spread over the counters by where their stacks lie (stacks of
+  // threads are megabytes apart); two threads sharing a counter are still
+  // counted correctly, only a little slower.
+  static unsigned StripeOfThisThread() {
+    const auto stack = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+    return static_cast<unsigned>(((stack >> 20) * 0x9E3779B97F4A7C15ull) >> 60) % kStripes;
+  }
   // Moves to the next generation when the readers of the one before have
   // left; the objects that became free, to delete outside the lock.
   std::vector<Retired> AdvanceLocked();
