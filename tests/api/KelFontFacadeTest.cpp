@@ -15,6 +15,7 @@
 namespace {
 
 using namespace facade_test;
+using kelfont_test::expectedFace;
 using Answer = std::pair<int, int>;  // status, value
 
 Answer charInfo(int font, int ch, bool bold = false, bool italic = false) {
@@ -31,11 +32,6 @@ Answer kerning(int font, int first, int second, bool bold = false) {
   int delta = -12345;
   int status = GetKerningInfo(font, bold, false, first, second, delta);
   return {status, delta};
-}
-kelfont_test::ExpectedFace expectedFace(const std::string& file) {
-  kelfont_test::ExpectedFace face;
-  EXPECT_TRUE(kelfont_test::loadExpectedFace(file, 0, &face)) << file;
-  return face;
 }
 // Starts the facade on `base`; it must say so on standard output.
 void init(const std::string& base) {

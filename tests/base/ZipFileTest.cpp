@@ -25,7 +25,7 @@ class ZipFileBackEnd : public ::testing::TestWithParam<bool> {
   // Runs the Python program that writes dir_/name; returns the path.
   std::string python(const char* program, const std::string& name) {
     std::string path = dir_.file(name);
-    EXPECT_TRUE(kelfont_test::runPython(dir_, program, {path}));
+    EXPECT_TRUE(kelfont_test::runPython(program, {path}));
     return path;
   }
   TempDir dir_;
@@ -67,9 +67,9 @@ TEST_P(ZipFileBackEnd, ListsAndReadsAnIndependentlyWrittenArchive) {
       << lines[0].message;
 }
 
-// Inputs that are no archive give no entries (and still log their time);
-// damaged directories never make a reader deliver more than it announced.
-TEST_P(ZipFileBackEnd, NonArchivesAndDamagedDirectories) {
+// Inputs that are no archive give no entries (and still log their time).
+// Damaged directories: the package fuzz target.
+TEST_P(ZipFileBackEnd, NonArchivesGiveNoEntries) {
   std::string path = kelfont_test::writePythonArchive(dir_);
   ASSERT_FALSE(path.empty());
   const std::string original = kelfont_test::readFile(path);
@@ -88,25 +88,6 @@ TEST_P(ZipFileBackEnd, NonArchivesAndDamagedDirectories) {
   EXPECT_EQ(capture.messages().size(), 5u);
   EXPECT_TRUE(qro_base::ZipFile(nullptr, zzip()).GetEntries().empty());
 
-  // Every byte of the central directory and end record, in turn, inverted.
-  size_t directory = original.find(std::string("PK\x01\x02", 4));
-  ASSERT_NE(directory, std::string::npos);
-  std::string damagedPath = dir_.file("damaged.zip");
-  for (size_t at = directory; at < original.size(); ++at) {
-    std::string damaged = original;
-    damaged[at] = static_cast<char>(~damaged[at]);
-    ASSERT_TRUE(kelfont_test::writeFile(damagedPath, damaged));
-    qro_base::ZipFile zip(damagedPath.c_str(), zzip());
-    ASSERT_LE(zip.GetEntries().size(), 4u) << at;
-    for (const qro_base::ZipEntry* entry : zip.GetEntries()) {
-      qro_base::ZipEntryInputStream in(zip, entry->GetName().c_str());
-      if (!in.IsOpen() || in.Available() > (1u << 20)) continue;
-      unsigned available = in.Available();
-      std::vector<char> buffer(available);
-      EXPECT_LE(in.Read(buffer.data(), available + 4096), static_cast<int>(available)) << at;
-      in.Close();
-    }
-  }
 }
 
 // Entries of other compression methods are listed but give no bytes (least

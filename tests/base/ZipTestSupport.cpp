@@ -1,43 +1,8 @@
 #include "tests/base/ZipTestSupport.h"
 
-#include <cstdio>
-#include <sys/wait.h>
-
 #include "base/ZipEntryInputStream.h"
 
 namespace kelfont_test {
-namespace {
-
-std::string quoted(const std::string& text) {
-  std::string out = "'";
-  for (char c : text) {
-    if (c == '\'') {
-      out += "'\\''";
-    } else {
-      out += c;
-    }
-  }
-  return out + "'";
-}
-
-}  // namespace
-
-bool runPython(const TempDir& dir, const std::string& program,
-               const std::vector<std::string>& args, std::string* output) {
-  std::string script = dir.file("script.py");
-  if (!writeFile(script, program)) return false;
-  std::string command = quoted(KELFONT_PYTHON) + " " + quoted(script);
-  for (const std::string& arg : args) command += " " + quoted(arg);
-  FILE* pipe = popen(command.c_str(), "r");
-  if (pipe == nullptr) return false;
-  std::string text;
-  char chunk[4096];
-  size_t got;
-  while ((got = fread(chunk, 1, sizeof chunk, pipe)) > 0) text.append(chunk, got);
-  int status = pclose(pipe);
-  if (output != nullptr) *output = text;
-  return status != -1 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
 
 std::string storedBytes() {
   std::string bytes;
@@ -62,7 +27,7 @@ with zipfile.ZipFile(sys.argv[1], 'w') as z:
     z.writestr('fc', b'', compress_type=zipfile.ZIP_DEFLATED)
 )";
   std::string path = dir.file("python.zip");
-  if (!runPython(dir, kProgram, {path})) return "";
+  if (!runPython(kProgram, {path})) return "";
   return path;
 }
 

@@ -8,14 +8,10 @@
 #include <vector>
 
 #include "base/ZipFile.h"
+#include "tests/support/Python.h"
 #include "tests/support/TempDir.h"
 
 namespace kelfont_test {
-
-// Runs program with the system Python, with args as sys.argv[1:]; its
-// standard output goes to *output when given. True when it exited with 0.
-bool runPython(const TempDir& dir, const std::string& program,
-               const std::vector<std::string>& args, std::string* output = nullptr);
 
 // The bytes 0 to 255 in order (stored uncompressed in the Python archive).
 std::string storedBytes();

@@ -79,54 +79,39 @@ except cff.otf):
 
 What the tests compare with is not written down twice: after writing the
 fonts this script opens them again with fontTools (a reader independent of
-FreeType and of the library) and writes what it finds:
-
-  expected.json           everything, for every font, for tools and people;
-  expected_<stem>.txt     the same per font file (basic.ttf ->
-                          expected_basic.txt), one record per line, fields
-                          separated by single spaces, all numbers decimal;
-                          this is what the C++ tests read
-                          (tests/support/TestFonts.h, loadExpectedFace);
-  fonts.txt               the list of font files, one per line, written
-                          last; the build uses it as its output stamp.
+FreeType and of the library) and writes what it finds, per font file, into
+expected_<stem>.txt (basic.ttf -> expected_basic.txt; one record per line,
+fields separated by single spaces, numbers decimal; read by
+tests/support/TestFonts.h), and last the list of font files, fonts.txt, which
+the build uses as its output stamp.
 
 Records of expected_<stem>.txt (a record applies to the face named by the
 latest `face` line; a collection has one block per face):
 
   face <index>
-  file <file name>
-  sfnt <TrueType|CFF>
   numGlyphs <n>
   head <0|1>                       whether the face has a `head` table
   unitsPerEm <n>                   (only with a head table)
   hhea <ascender> <descender> <lineGap>
-  os2 <version>                    or `os2 none`; the next four only with OS/2
-  typo <sTypoAscender> <sTypoDescender> <sTypoLineGap>
+  os2 <version>                    or `os2 none`; the next three only with OS/2
   panose <10 bytes>
   unicodeRange <ulUnicodeRange1> <2> <3> <4>
   codePageRange <ulCodePageRange1> <2>
-  post <0|1>                       whether the face has a `post` table
-  fixedPitch <post.isFixedPitch>   (only with a post table)
   pclt <Pitch>                     (only with a PCLT table)
   vertical <0|1>                   whether the face has vhea and vmtx
   name <platform> <encoding> <language> <nameID> <bytes as hex>
-  cmap <platform> <encoding> <format>   one line per cmap subtable
-  charmap <platform> <encoding>    the subtable the `char` lines come from:
-                                   (3,10) if present, else (3,1), else (0,*),
-                                   else (3,0) (symbol)
-  char <code point> <glyph index> <advance>
-  glyph <glyph index> <advance> <left side bearing> <glyph name>
+  char <code point> <glyph index> <advance>   from the (3,10) map if
+                                   present, else (3,1), else (0,*), else (3,0)
+  glyph <glyph index> <advance>
   kern <left code point> <right code point> <value>   from the format 0
                                    `kern` subtable; glyphs mapped back to
                                    code points through the charmap above
   contour <glyph index> <point count> <x> <y> <on> ...   TrueType outlines
                                    only, one line per contour, points in
                                    file order, <on> 1 for on-curve points
-  vadvance <glyph index> <advance height>   (vertical faces only)
 """
 
 import io
-import json
 import logging
 import os
 import struct
@@ -637,47 +622,36 @@ def walk_cmap(font):
     return None
 
 
-def describe(font, file_name, face_index):
+def describe(font, face_index):
+    """The expected_<stem>.txt lines of one face."""
     glyph_order = font.getGlyphOrder()
     glyph_id = {name: i for i, name in enumerate(glyph_order)}
     hmtx = font["hmtx"].metrics
-    face = dict(file=file_name, face=face_index,
-                sfnt="CFF" if "CFF " in font else "TrueType",
-                numGlyphs=len(glyph_order), head="head" in font)
+    lines = ["face %d" % face_index, "numGlyphs %d" % len(glyph_order),
+             "head %d" % ("head" in font)]
     if "head" in font:
-        face["unitsPerEm"] = font["head"].unitsPerEm
+        lines.append("unitsPerEm %d" % font["head"].unitsPerEm)
     hhea = font["hhea"]
-    face["hhea"] = dict(ascender=hhea.ascent, descender=hhea.descent, lineGap=hhea.lineGap)
+    lines.append("hhea %d %d %d" % (hhea.ascent, hhea.descent, hhea.lineGap))
     if "OS/2" in font:
         os2 = font["OS/2"]
-        face["os2"] = dict(
-            version=os2.version,
-            typo=[os2.sTypoAscender, os2.sTypoDescender, os2.sTypoLineGap],
-            panose=[getattr(os2.panose, field) for field in PANOSE_FIELDS],
-            unicodeRange=[os2.ulUnicodeRange1, os2.ulUnicodeRange2,
-                          os2.ulUnicodeRange3, os2.ulUnicodeRange4],
-            codePageRange=[os2.ulCodePageRange1, os2.ulCodePageRange2])
+        lines.append("os2 %d" % os2.version)
+        lines.append("panose " + " ".join(str(getattr(os2.panose, f)) for f in PANOSE_FIELDS))
+        lines.append("unicodeRange %d %d %d %d" % (os2.ulUnicodeRange1, os2.ulUnicodeRange2,
+                                                    os2.ulUnicodeRange3, os2.ulUnicodeRange4))
+        lines.append("codePageRange %d %d" % (os2.ulCodePageRange1, os2.ulCodePageRange2))
     else:
-        face["os2"] = None
-    face["post"] = "post" in font
-    if face["post"]:
-        face["fixedPitch"] = font["post"].isFixedPitch
+        lines.append("os2 none")
     if "PCLT" in font:
-        face["pcltPitch"] = struct.unpack(">H", font.getTableData("PCLT")[8:10])[0]
-    face["vertical"] = "vhea" in font and "vmtx" in font
-    face["names"] = [dict(platform=r.platformID, encoding=r.platEncID, language=r.langID,
-                          nameID=r.nameID, hex=r.toBytes().hex(),
-                          text=r.toUnicode(errors="replace"))
-                     for r in font["name"].names]
-    face["cmaps"] = [dict(platform=t.platformID, encoding=t.platEncID, format=t.format)
-                     for t in font["cmap"].tables]
+        lines.append("pclt %d" % struct.unpack(">H", font.getTableData("PCLT")[8:10])[0])
+    lines.append("vertical %d" % ("vhea" in font and "vmtx" in font))
+    lines += ["name %d %d %d %d %s" % (r.platformID, r.platEncID, r.langID, r.nameID,
+                                      r.toBytes().hex()) for r in font["name"].names]
     walked = walk_cmap(font)
     chars = walked[2] if walked else {}
-    face["charmap"] = list(walked[:2]) if walked else None
-    face["chars"] = [dict(codePoint=cp, glyph=glyph_id[name], glyphName=name,
-                          advance=hmtx[name][0]) for cp, name in sorted(chars.items())]
-    face["glyphs"] = [dict(index=i, name=name, advance=hmtx[name][0], lsb=hmtx[name][1])
-                      for i, name in enumerate(glyph_order)]
+    lines += ["char %d %d %d" % (cp, glyph_id[name], hmtx[name][0])
+              for cp, name in sorted(chars.items())]
+    lines += ["glyph %d %d" % (i, hmtx[name][0]) for i, name in enumerate(glyph_order)]
     codes_of = {}
     for cp, name in sorted(chars.items()):
         codes_of.setdefault(name, []).append(cp)
@@ -686,12 +660,10 @@ def describe(font, file_name, face_index):
         for subtable in font["kern"].kernTables:
             if subtable.format != 0:
                 continue
-            for (left, right), value in sorted(subtable.kernTable.items()):
-                for left_cp in codes_of.get(left, []):
-                    for right_cp in codes_of.get(right, []):
-                        kerning.append(dict(left=left_cp, right=right_cp, value=value))
-    face["kern"] = sorted(kerning, key=lambda k: (k["left"], k["right"]))
-    outlines = {}
+            for (left, right), value in subtable.kernTable.items():
+                kerning += [(l, r, value) for l in codes_of.get(left, [])
+                            for r in codes_of.get(right, [])]
+    lines += ["kern %d %d %d" % k for k in sorted(kerning)]
     if "glyf" in font:
         glyf = font["glyf"]
         for i, name in enumerate(glyph_order):
@@ -699,70 +671,20 @@ def describe(font, file_name, face_index):
             if glyph.numberOfContours <= 0:
                 continue
             coordinates, end_points, flags = glyph.getCoordinates(glyf)
-            contours, start = [], 0
+            start = 0
             for end in end_points:
-                contours.append([[coordinates[p][0], coordinates[p][1], flags[p] & 1]
-                                 for p in range(start, end + 1)])
+                points = " ".join("%d %d %d" % (coordinates[p][0], coordinates[p][1], flags[p] & 1)
+                                  for p in range(start, end + 1))
+                lines.append("contour %d %d %s" % (i, end + 1 - start, points))
                 start = end + 1
-            outlines[i] = contours
-    face["outlines"] = outlines
-    if face["vertical"]:
-        vmtx = font["vmtx"].metrics
-        face["vadvances"] = [vmtx[name][0] for name in glyph_order]
-    return face
-
-
-def text_lines(face):
-    lines = ["face %d" % face["face"], "file " + face["file"], "sfnt " + face["sfnt"],
-             "numGlyphs %d" % face["numGlyphs"], "head %d" % face["head"]]
-    if face["head"]:
-        lines.append("unitsPerEm %d" % face["unitsPerEm"])
-    lines.append("hhea %(ascender)d %(descender)d %(lineGap)d" % face["hhea"])
-    os2 = face["os2"]
-    if os2 is None:
-        lines.append("os2 none")
-    else:
-        lines.append("os2 %d" % os2["version"])
-        lines.append("typo %d %d %d" % tuple(os2["typo"]))
-        lines.append("panose " + " ".join(str(b) for b in os2["panose"]))
-        lines.append("unicodeRange %d %d %d %d" % tuple(os2["unicodeRange"]))
-        lines.append("codePageRange %d %d" % tuple(os2["codePageRange"]))
-    lines.append("post %d" % face["post"])
-    if face["post"]:
-        lines.append("fixedPitch %d" % face["fixedPitch"])
-    if "pcltPitch" in face:
-        lines.append("pclt %d" % face["pcltPitch"])
-    lines.append("vertical %d" % face["vertical"])
-    for n in face["names"]:
-        lines.append("name %(platform)d %(encoding)d %(language)d %(nameID)d %(hex)s" % n)
-    for c in face["cmaps"]:
-        lines.append("cmap %(platform)d %(encoding)d %(format)d" % c)
-    if face["charmap"]:
-        lines.append("charmap %d %d" % tuple(face["charmap"]))
-    for c in face["chars"]:
-        lines.append("char %(codePoint)d %(glyph)d %(advance)d" % c)
-    for g in face["glyphs"]:
-        lines.append("glyph %(index)d %(advance)d %(lsb)d %(name)s" % g)
-    for k in face["kern"]:
-        lines.append("kern %(left)d %(right)d %(value)d" % k)
-    for index, contours in sorted(face["outlines"].items()):
-        for contour in contours:
-            lines.append("contour %d %d %s" % (index, len(contour), " ".join(
-                "%d %d %d" % tuple(point) for point in contour)))
-    for index, advance in enumerate(face.get("vadvances", [])):
-        lines.append("vadvance %d %d" % (index, advance))
     return lines
 
 
 def read_back(path):
-    file_name = os.path.basename(path)
     with open(path, "rb") as f:
         is_collection = f.read(4) == b"ttcf"
-    if is_collection:
-        fonts = TTCollection(path).fonts
-    else:
-        fonts = [TTFont(path)]
-    return [describe(font, file_name, i) for i, font in enumerate(fonts)]
+    fonts = TTCollection(path).fonts if is_collection else [TTFont(path)]
+    return [line for i, font in enumerate(fonts) for line in describe(font, i)]
 
 
 def write_file(path, data):
@@ -806,19 +728,11 @@ def main(argv):
     write_file(os.path.join(out_dir, NOHEAD["file"]), without_head(NOHEAD))
     written.append(NOHEAD["file"])
 
-    expected = {}
     for file_name in written:
-        faces = read_back(os.path.join(out_dir, file_name))
-        expected[file_name] = faces
+        lines = read_back(os.path.join(out_dir, file_name))
         stem = os.path.splitext(file_name)[0]
-        lines = []
-        for face in faces:
-            lines.extend(text_lines(face))
         with open(os.path.join(out_dir, "expected_%s.txt" % stem), "w", encoding="ascii") as f:
             f.write("\n".join(lines) + "\n")
-    with open(os.path.join(out_dir, "expected.json"), "w", encoding="utf-8") as f:
-        json.dump(expected, f, indent=1, ensure_ascii=False, sort_keys=True)
-        f.write("\n")
 
     with open(manifest, "w", encoding="ascii") as f:
         f.write("".join(name + "\n" for name in written))

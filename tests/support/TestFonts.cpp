@@ -1,5 +1,7 @@
 #include "tests/support/TestFonts.h"
 
+#include <gtest/gtest.h>
+
 #include <fstream>
 #include <sstream>
 
@@ -15,41 +17,25 @@ std::string expectedFileFor(const std::string& fontFile) {
 }
 
 bool hexToBytes(const std::string& hex, std::string* out) {
-  if (hex.size() % 2 != 0) return false;
+  if (hex.size() % 2 != 0 || hex.find_first_not_of("0123456789abcdef") != std::string::npos) {
+    return false;
+  }
   out->clear();
   for (std::string::size_type i = 0; i < hex.size(); i += 2) {
-    int value = 0;
-    for (int k = 0; k < 2; ++k) {
-      char c = hex[i + k];
-      int digit;
-      if (c >= '0' && c <= '9') {
-        digit = c - '0';
-      } else if (c >= 'a' && c <= 'f') {
-        digit = c - 'a' + 10;
-      } else if (c >= 'A' && c <= 'F') {
-        digit = c - 'A' + 10;
-      } else {
-        return false;
-      }
-      value = value * 16 + digit;
-    }
-    out->push_back(static_cast<char>(value));
+    out->push_back(static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
   }
   return true;
 }
 
 // Parses one record into `face`; false when the line is malformed.
+// Records no test reads are skipped, so that the generator can grow.
 bool parseRecord(const std::string& key, std::istringstream& in, ExpectedFace* face) {
-  if (key == "file") {
-    in >> face->file;
-  } else if (key == "sfnt") {
-    in >> face->sfnt;
-  } else if (key == "numGlyphs") {
+  int flag = 0;
+  if (key == "numGlyphs") {
     in >> face->numGlyphs;
   } else if (key == "head") {
-    int present = 0;
-    in >> present;
-    face->hasHead = present != 0;
+    in >> flag;
+    face->hasHead = flag != 0;
   } else if (key == "unitsPerEm") {
     in >> face->unitsPerEm;
   } else if (key == "hhea") {
@@ -58,39 +44,23 @@ bool parseRecord(const std::string& key, std::istringstream& in, ExpectedFace* f
     std::string version;
     in >> version;
     face->hasOs2 = version != "none";
-    if (face->hasOs2) face->os2Version = std::stoi(version);
-  } else if (key == "typo") {
-    in >> face->typoAscender >> face->typoDescender >> face->typoLineGap;
   } else if (key == "panose") {
     for (int& b : face->panose) in >> b;
   } else if (key == "unicodeRange") {
     for (std::uint32_t& r : face->unicodeRange) in >> r;
   } else if (key == "codePageRange") {
     for (std::uint32_t& r : face->codePageRange) in >> r;
-  } else if (key == "post") {
-    int present = 0;
-    in >> present;
-    face->hasPost = present != 0;
-  } else if (key == "fixedPitch") {
-    in >> face->fixedPitch;
   } else if (key == "pclt") {
     in >> face->pcltPitch;
   } else if (key == "vertical") {
-    int vertical = 0;
-    in >> vertical;
-    face->vertical = vertical != 0;
+    in >> flag;
+    face->vertical = flag != 0;
   } else if (key == "name") {
     ExpectedName name;
     std::string hex;
     in >> name.platform >> name.encoding >> name.language >> name.nameId >> hex;
     if (!hexToBytes(hex, &name.bytes)) return false;
     face->names.push_back(name);
-  } else if (key == "cmap") {
-    ExpectedCmap cmap;
-    in >> cmap.platform >> cmap.encoding >> cmap.format;
-    face->cmaps.push_back(cmap);
-  } else if (key == "charmap") {
-    in >> face->charmapPlatform >> face->charmapEncoding;
   } else if (key == "char") {
     std::uint32_t codePoint = 0;
     ExpectedChar c;
@@ -98,10 +68,10 @@ bool parseRecord(const std::string& key, std::istringstream& in, ExpectedFace* f
     face->chars[codePoint] = c;
   } else if (key == "glyph") {
     std::size_t index = 0;
-    ExpectedGlyph glyph;
-    in >> index >> glyph.advance >> glyph.leftSideBearing >> glyph.name;
-    if (index != face->glyphs.size()) return false;
-    face->glyphs.push_back(glyph);
+    int advance = 0;
+    in >> index >> advance;
+    if (index != face->glyphAdvances.size()) return false;
+    face->glyphAdvances.push_back(advance);
   } else if (key == "kern") {
     std::uint32_t left = 0, right = 0;
     int value = 0;
@@ -110,23 +80,10 @@ bool parseRecord(const std::string& key, std::istringstream& in, ExpectedFace* f
   } else if (key == "contour") {
     int glyph = 0, count = 0;
     in >> glyph >> count;
-    std::vector<ExpectedPoint> contour;
-    for (int i = 0; i < count; ++i) {
-      ExpectedPoint p;
-      int on = 0;
-      in >> p.x >> p.y >> on;
-      p.onCurve = on != 0;
-      contour.push_back(p);
-    }
+    std::vector<ExpectedPoint> contour(count > 0 ? count : 0);
+    for (ExpectedPoint& p : contour) in >> p.x >> p.y >> flag;
     face->outlines[glyph].push_back(contour);
-  } else if (key == "vadvance") {
-    std::size_t index = 0;
-    int advance = 0;
-    in >> index >> advance;
-    if (index != face->verticalAdvances.size()) return false;
-    face->verticalAdvances.push_back(advance);
   }
-  // Unknown records are skipped, so that the generator can grow.
   return !in.fail();
 }
 
@@ -176,10 +133,7 @@ bool loadExpectedFace(const std::string& fontFile, int faceIndex, ExpectedFace* 
       int index = -1;
       fields >> index;
       inFace = index == faceIndex;
-      if (inFace) {
-        found = true;
-        face.faceIndex = index;
-      }
+      found = found || inFace;
       continue;
     }
     if (!inFace) continue;
@@ -194,6 +148,13 @@ bool loadExpectedFace(const std::string& fontFile, int faceIndex, ExpectedFace* 
   }
   *out = face;
   return true;
+}
+
+ExpectedFace expectedFace(const std::string& fontFile, int faceIndex) {
+  ExpectedFace face;
+  std::string error;
+  EXPECT_TRUE(loadExpectedFace(fontFile, faceIndex, &face, &error)) << error;
+  return face;
 }
 
 int expectedFaceCount(const std::string& fontFile) {

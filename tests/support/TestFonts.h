@@ -21,10 +21,7 @@ std::string testFontPath(const std::string& name);
 std::vector<std::string> testFontFiles();
 
 struct ExpectedName {
-  int platform = 0;
-  int encoding = 0;
-  int language = 0;
-  int nameId = 0;
+  int platform = 0, encoding = 0, language = 0, nameId = 0;
   std::string bytes;  // the record's raw bytes
 };
 
@@ -33,51 +30,28 @@ struct ExpectedChar {
   int advance = 0;
 };
 
-struct ExpectedGlyph {
-  int advance = 0;
-  int leftSideBearing = 0;
-  std::string name;
-};
-
 struct ExpectedPoint {
   int x = 0;
   int y = 0;
-  bool onCurve = false;
-};
-
-struct ExpectedCmap {
-  int platform = 0;
-  int encoding = 0;
-  int format = 0;
 };
 
 // One face of a generated font as the generator found it in the file.
 struct ExpectedFace {
-  int faceIndex = -1;
-  std::string file;
-  std::string sfnt;  // "TrueType" or "CFF"
   int numGlyphs = 0;
   bool hasHead = false;
-  int unitsPerEm = 0;  // 0 without a head table
+  int unitsPerEm = 0;                            // 0 without a head table
   int ascender = 0, descender = 0, lineGap = 0;  // hhea
   bool hasOs2 = false;
-  int os2Version = 0;
-  int typoAscender = 0, typoDescender = 0, typoLineGap = 0;
   std::array<int, 10> panose{};
   std::array<std::uint32_t, 4> unicodeRange{};
   std::array<std::uint32_t, 2> codePageRange{};
-  bool hasPost = false;
-  int fixedPitch = 0;   // post.isFixedPitch
-  int pcltPitch = -1;   // -1 without a PCLT table
+  int pcltPitch = -1;  // -1 without a PCLT table
   bool vertical = false;
-  std::vector<ExpectedName> names;  // in name-table order
-  std::vector<ExpectedCmap> cmaps;
-  int charmapPlatform = -1, charmapEncoding = -1;  // where `chars` comes from
-  std::map<std::uint32_t, ExpectedChar> chars;     // code point -> glyph, advance
-  std::vector<ExpectedGlyph> glyphs;               // by glyph index
+  std::vector<ExpectedName> names;               // in name-table order
+  std::map<std::uint32_t, ExpectedChar> chars;   // code point -> glyph, advance
+  std::vector<int> glyphAdvances;                // by glyph index
   std::map<std::pair<std::uint32_t, std::uint32_t>, int> kerning;  // code points -> value
   std::map<int, std::vector<std::vector<ExpectedPoint>>> outlines;  // glyph -> contours
-  std::vector<int> verticalAdvances;                                // by glyph index
 
   // The family-name records (name ID 1), in table order.
   std::vector<ExpectedName> familyNames() const;
@@ -88,6 +62,8 @@ struct ExpectedFace {
 // or a line cannot be read.
 bool loadExpectedFace(const std::string& fontFile, int faceIndex, ExpectedFace* out,
                       std::string* error = nullptr);
+// The same, failing the running test when the values cannot be read.
+ExpectedFace expectedFace(const std::string& fontFile, int faceIndex = 0);
 
 // Number of faces listed for a generated font file (0 when unknown).
 int expectedFaceCount(const std::string& fontFile);

@@ -32,7 +32,8 @@ bool TestPackage::write(const std::string& directory) const {
   for (const auto& entry : entries_) {
     qro_base::ZipEntry zipEntry(entry.first, static_cast<int64_t>(entry.second.size()));
     ok = ok && zip.PutNextEntry(zipEntry) &&
-         zip.Write(entry.second.data(), static_cast<unsigned>(entry.second.size())) &&
+         (entry.second.empty() ||
+          zip.Write(entry.second.data(), static_cast<unsigned>(entry.second.size()))) &&
          zip.CloseEntry();
   }
   return zip.Close() && ok;

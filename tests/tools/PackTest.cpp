@@ -1,6 +1,5 @@
-// The package written by `kelfont pack`, read back with an independent zip
-// reader and the library's cache reader, against the generated fonts' own
-// tables.
+// The package written by `kelfont pack`: a manager on it alone answers as
+// one that scanned the fonts. The lists it carries: DefaultListsTest.
 
 #include <gtest/gtest.h>
 
@@ -8,8 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "common/font_info/FontInfo.h"
-#include "common/font_info/FontInfoSerializer.h"
 #include "common/registry/FontTable.h"
 #include "native/DefaultFontInfoFileExtracter.h"
 #include "tests/support/TempDir.h"
@@ -19,7 +16,6 @@
 
 namespace {
 
-using kelfont_test::readFile;
 using kelfont_test::TempDir;
 
 int facesWithOs2() {
@@ -31,37 +27,6 @@ int facesWithOs2() {
     }
   }
   return count;
-}
-
-TEST(Pack, PackageHoldsEveryFaceByMetricsOnlyAndTheLists) {
-  TempDir dir;
-  const std::string zip = kelfont_test::packTestFonts(dir);
-  ASSERT_FALSE(zip.empty());
-  const std::vector<std::string> names = kelfont_test::zipNames(zip);
-  ASSERT_GE(names.size(), 5u);
-  EXPECT_EQ(names.front(), "Ftable");
-  EXPECT_EQ(std::vector<std::string>(names.end() - 4, names.end()),
-            (std::vector<std::string>{"fc", "df", "sf", "sf_ko-KR"}));
-  const std::string store = dir.file("store") + "/";
-  ASSERT_TRUE(kelfont_test::unzipTo(zip, store + "FInfo"));
-  for (const char* list : {"fc", "df", "sf", "sf_ko-KR"}) {
-    EXPECT_EQ(readFile(store + "FInfo/" + list), readFile(dir.file("lists/") + list)) << list;
-  }
-
-  qro_common::FontInfoSerializer serializer(store);
-  std::vector<qro_common::FontInfo*> infos;
-  ASSERT_TRUE(serializer.Read(infos));
-  EXPECT_EQ(static_cast<int>(infos.size()), facesWithOs2());
-  EXPECT_EQ(serializer.GetFontDirectoryTimes().size(), 0u);
-  qro_common::FontTable table;
-  for (qro_common::FontInfo* info : infos) table.RegisterFontInfo(info, true);
-  for (int i = 0; i < table.GetFontInfoCount(); ++i) {
-    qro_common::FontInfo* info = table.GetFontInfo(i);
-    EXPECT_EQ(info->GetFilePath(), nullptr) << *info->GetFontName();
-    EXPECT_NE(std::find(names.begin(), names.end(), "Fdata/" + std::to_string(i)), names.end())
-        << *info->GetFontName();
-  }
-  // Its advances and kerning: the round trip below and the cache tests.
 }
 
 // A manager that knows the generated fonts only from the package (no font

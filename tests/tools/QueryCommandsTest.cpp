@@ -72,8 +72,7 @@ TEST(Measure, JsonGivesTheLibrarysAnswersPerCharacter) {
     total += ratio + std::strtof(c[9].str().c_str(), nullptr);
   }
   // The chain's next font draws U+B098: the numbers are its own.
-  kelfont_test::ExpectedFace cjkFace;
-  ASSERT_TRUE(kelfont_test::loadExpectedFace("cjk_flag.ttf", 0, &cjkFace));
+  const kelfont_test::ExpectedFace cjkFace = kelfont_test::expectedFace("cjk_flag.ttf");
   EXPECT_EQ(std::stoi(chars[2][6]), cjkFace.chars.at(0xB098).advance);
   EXPECT_EQ(std::stoi(chars[2][7]), cjkFace.unitsPerEm);
   std::smatch totals;
@@ -98,8 +97,7 @@ TEST(Render, DrawsTheGlyphOutlineAtThePenOnTheBaseline) {
   ASSERT_TRUE(std::regex_search(text, baseline, std::regex("<line x1=\"0\" y1=\"(\\d+)\\.")));
   // The outline itself is checked on the library; here the tool's part:
   // the first point of "A" at the 256-unit margin, y growing downward.
-  kelfont_test::ExpectedFace face;
-  ASSERT_TRUE(kelfont_test::loadExpectedFace("basic.ttf", 0, &face));
+  const kelfont_test::ExpectedFace face = kelfont_test::expectedFace("basic.ttf");
   const kelfont_test::ExpectedPoint first = face.outlines.at(face.chars.at('A').glyph).at(0).at(0);
   std::smatch start;
   ASSERT_TRUE(std::regex_search(text, start, std::regex("<path d=\"M(-?\\d+) (-?\\d+)")));

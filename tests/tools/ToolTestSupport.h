@@ -21,9 +21,4 @@ std::string packTestFonts(const TempDir& dir);
 int runTool(const std::vector<std::string>& args, std::string* out = nullptr,
             std::string* err = nullptr);
 
-// Entry names of a zip archive as Python's zipfile module lists them, and
-// extraction of every entry under `into` (an independent reader).
-std::vector<std::string> zipNames(const std::string& zip);
-bool unzipTo(const std::string& zip, const std::string& into);
-
 }  // namespace kelfont_test

@@ -1,12 +1,11 @@
-// Damaged and unusable font files: Open fails, or whatever opens analyses
-// without a crash (run under the sanitizer build too).
+// Unusable font files: Open fails and nothing is analysed. Damaged fonts
+// that still open are the analyzer fuzz target's business.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <cstdint>
 #include <memory>
-#include <random>
 #include <string>
 
 #include "common/analysis/FontFileAnalyzer.h"
@@ -59,41 +58,12 @@ TEST_F(FontFileAnalyzerBadInputTest, MissingEmptyDirectoryAndGarbageAreRefused) 
   EXPECT_FALSE(analyzer_.Open(nullptr, 0));
   ASSERT_EQ(mkdir(dir_.file("x.ttf").c_str(), 0700), 0);
   EXPECT_FALSE(exercise(dir_.file("x.ttf")));
-  std::mt19937 random(20240601);
-  const std::string heads[] = {"", std::string("\0\1\0\0", 4), "OTTO", "true", "ttcf",
-                               std::string("ttcf\0\1\0\0\0\0\0\1", 12)};
-  int n = 0;
-  for (const std::string& head : heads) {
-    for (std::size_t size : {0u, 11u, 100u, 4096u}) {
-      std::string bytes = head.substr(0, size);
-      while (bytes.size() < size) bytes += static_cast<char>(random() & 0xFF);
-      const std::string name = "garbage" + std::to_string(n++) + ".ttf";
-      EXPECT_FALSE(exercise(write(name, bytes))) << name;
-    }
-  }
-}
-
-// Every 37th length of each format, and every 23rd byte of basic.ttf
-// damaged three ways: whatever opens analyses without harm.
-TEST_F(FontFileAnalyzerBadInputTest, TruncatedAndDamagedFonts) {
-  for (const char* file : {"basic.ttf", "cff.otf", "collection.ttc"}) {
-    const std::string whole = kelfont_test::readFile(testFontPath(file));
-    ASSERT_GT(whole.size(), 500u) << file;
-    for (std::size_t size = 1; size < whole.size(); size += 37) {
-      exercise(write("cut.ttf", whole.substr(0, size)));
-    }
-    EXPECT_FALSE(exercise(write("short.ttf", whole.substr(0, 11)))) << file;
-  }
-  const std::string whole = kelfont_test::readFile(testFontPath("basic.ttf"));
-  int opened = 0;
-  for (std::size_t at = 0; at < whole.size(); at += 23) {
-    for (char value : {'\xFF', '\x00', '\x7F'}) {
-      std::string bytes = whole;
-      bytes[at] = value;
-      opened += exercise(write("damaged.ttf", bytes));
-    }
-  }
-  EXPECT_GT(opened, 0);  // most damage (inside outlines, names, metrics) still opens
+  // Sfnt heads without tables behind them; mutated fonts: the fuzz target.
+  const std::string heads[] = {"", std::string("\0\1\0\0", 4) + std::string(96, '\x55'),
+                               "OTTO", std::string("ttcf\0\1\0\0\0\0\0\1", 12)};
+  for (const std::string& head : heads) EXPECT_FALSE(exercise(write("garbage.ttf", head))) << head;
+  const std::string basic = kelfont_test::readFile(testFontPath("basic.ttf"));
+  EXPECT_FALSE(exercise(write("short.ttf", basic.substr(0, 11))));
 }
 
 TEST_F(FontFileAnalyzerBadInputTest, CollectionClaimingMoreFacesThanItHas) {

@@ -1,18 +1,11 @@
 // Advances, kerning and default-font coverage from the analyzer, checked
-// against the fonts' own tables as read by an independent reader: fontTools
-// (the generator's expected values) for the generated fonts, FreeType's
-// FT_Get_Advance and FT_Get_Kerning without scaling for the real fonts.
-
-#include <ft2build.h>
-#include FT_FREETYPE_H
-#include FT_ADVANCES_H
+// against the fonts' own tables as fontTools (the generator) read them. Real
+// fonts: FontFileAnalyzerAdvanceSourceTest.
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 
 #include "common/analysis/FontFileAnalyzer.h"
@@ -21,12 +14,12 @@
 #include "common/font_info/DefaultFontInfo.h"
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/KerningInfo.h"
-#include "tests/support/TempDir.h"
 #include "tests/support/TestFonts.h"
 
 namespace {
 
 using kelfont_test::ExpectedFace;
+using kelfont_test::expectedFace;
 using kelfont_test::testFontPath;
 using qro_common::CharMetrics;
 using qro_common::CharMetricsInfo;
@@ -35,13 +28,6 @@ using qro_common::FontFileAnalyzer;
 using qro_common::FontInfo;
 using qro_common::FontUSBType;
 using qro_common::KerningInfo;
-
-ExpectedFace expected(const std::string& file, int faceIndex = 0) {
-  ExpectedFace face;
-  std::string error;
-  EXPECT_TRUE(kelfont_test::loadExpectedFace(file, faceIndex, &face, &error)) << error;
-  return face;
-}
 
 // Whether the advance tables keep a code point of this Unicode-range bit.
 bool isStoredBit(int bit) { return bit == 127 || (bit < 123 && bit != 57); }
@@ -92,7 +78,7 @@ TEST_F(FontFileAnalyzerDataTest, AdvancesOfEveryGeneratedFace) {
   for (const std::string& file : kelfont_test::testFontFiles()) {
     if (file == "noos2.ttf" || file == "nohead.ttf") continue;
     for (int face = 0; face < kelfont_test::expectedFaceCount(file); ++face) {
-      ExpectedFace want = expected(file, face);
+      ExpectedFace want = expectedFace(file, face);
       std::unique_ptr<FontInfo> info = analyzeAll(testFontPath(file), face);
       ASSERT_NE(info, nullptr) << file;
       expectAdvances(*info, want, file + " face " + std::to_string(face));
@@ -100,15 +86,15 @@ TEST_F(FontFileAnalyzerDataTest, AdvancesOfEveryGeneratedFace) {
     }
   }
   EXPECT_GE(checked, 30);
-  EXPECT_EQ(expected("symbol.ttf").chars.count(0xF041), 1u);
-  EXPECT_EQ(expected("supplementary.ttf").chars.count(0x1F600), 1u);
+  EXPECT_EQ(expectedFace("symbol.ttf").chars.count(0xF041), 1u);
+  EXPECT_EQ(expectedFace("supplementary.ttf").chars.count(0x1F600), 1u);
 }
 
 TEST_F(FontFileAnalyzerDataTest, BitmapOnlyFaceGetsTheAdvancesFreeTypeReports) {
   // For the Apple bitmap font nohead.ttf FreeType reads no `hmtx` (the
   // table is in the file, with 717, 724, 731) and loads every glyph as an
   // empty outline of advance 0; the analyzer stores what FreeType reports.
-  ExpectedFace want = expected("nohead.ttf");
+  ExpectedFace want = expectedFace("nohead.ttf");
   ASSERT_EQ(want.chars.size(), 3u);
   EXPECT_EQ(want.chars.at('A').advance, 724);
   std::unique_ptr<FontInfo> info = analyzeAll(testFontPath("nohead.ttf"));
@@ -125,7 +111,7 @@ TEST_F(FontFileAnalyzerDataTest, BitmapOnlyFaceGetsTheAdvancesFreeTypeReports) {
 
 TEST_F(FontFileAnalyzerDataTest, KerningPairsOfPrintableAscii) {
   for (const char* file : {"basic.ttf", "bolditalic.ttf", "vertical.ttf"}) {
-    ExpectedFace want = expected(file);
+    ExpectedFace want = expectedFace(file);
     ASSERT_EQ(want.kerning.size(), 5u) << file;
     std::unique_ptr<FontInfo> info = analyzeAll(testFontPath(file));
     ASSERT_NE(info, nullptr);
@@ -143,8 +129,8 @@ TEST_F(FontFileAnalyzerDataTest, KerningPairsOfPrintableAscii) {
 TEST_F(FontFileAnalyzerDataTest, KerningIsCancelledOrEmpty) {
   // "~" has no glyph: no kerning at all, even for A-V. Pairs only between
   // U+00C4 and U+00D6: nothing to keep. A table already in the record stays.
-  EXPECT_EQ(expected("kern_tilde_missing.ttf").kerning.at({'A', 'V'}), -120);
-  EXPECT_EQ(expected("kern_outside_ascii.ttf").kerning.size(), 2u);
+  EXPECT_EQ(expectedFace("kern_tilde_missing.ttf").kerning.at({'A', 'V'}), -120);
+  EXPECT_EQ(expectedFace("kern_outside_ascii.ttf").kerning.size(), 2u);
   for (const char* file : {"kern_tilde_missing.ttf", "kern_outside_ascii.ttf", "winnames.ttf"}) {
     ASSERT_TRUE(analyzer_.Open(testFontPath(file).c_str(), 0));
     FontInfo record;
@@ -168,7 +154,7 @@ TEST_F(FontFileAnalyzerDataTest, AnalyzeDataAndGlyphAdvancesNeedAnOpenFace) {
   EXPECT_EQ(record.GetCharMetricsInfo(), oldMetrics);
   EXPECT_EQ(analyzer_.GetGlyphAdvance(1), 0.0f);
 
-  ExpectedFace want = expected("basic.ttf");
+  ExpectedFace want = expectedFace("basic.ttf");
   ASSERT_TRUE(analyzer_.Open(testFontPath("basic.ttf").c_str(), 0));
   analyzer_.AnalyzeData(record);
   ASSERT_NE(record.GetCharMetricsInfo(), oldMetrics);
@@ -176,7 +162,7 @@ TEST_F(FontFileAnalyzerDataTest, AnalyzeDataAndGlyphAdvancesNeedAnOpenFace) {
   EXPECT_EQ(record.GetKerningInfo()->GetDelta('T', 'o'), -80);
   for (int glyph = 0; glyph < want.numGlyphs; ++glyph) {
     EXPECT_EQ(analyzer_.GetGlyphAdvance(static_cast<unsigned short>(glyph)),
-              static_cast<float>(want.glyphs[glyph].advance))
+              static_cast<float>(want.glyphAdvances[glyph]))
         << glyph;
   }
   EXPECT_EQ(analyzer_.GetGlyphAdvance(static_cast<unsigned short>(want.numGlyphs)), 0.0f);
@@ -196,7 +182,7 @@ TEST_F(FontFileAnalyzerDataTest, DefaultFontInfoRecordsEveryMappedCodePoint) {
   std::map<unsigned, int> want;
   for (const auto& font : fonts) {
     if (font.second < 0) continue;
-    for (const auto& entry : expected(font.first).chars) {
+    for (const auto& entry : expectedFace(font.first).chars) {
       if (isStoredBit(FontUSBType::GetUSBType(entry.first))) want[entry.first] = font.second;
     }
   }
@@ -209,75 +195,5 @@ TEST_F(FontFileAnalyzerDataTest, DefaultFontInfoRecordsEveryMappedCodePoint) {
   EXPECT_EQ(defaults.GetFontIndex(0x1F601), -1);
   EXPECT_EQ(defaults.GetFontIndex(0x0100), -1);
 }
-
-// ---------------------------------------------------------------------------
-// Real fonts.
-
-class RealFontTest : public FontFileAnalyzerDataTest,
-                     public ::testing::WithParamInterface<const char*> {};
-
-TEST_P(RealFontTest, AdvancesAndKerningMatchTheFontsOwnTables) {
-  const std::string path = GetParam();
-  ASSERT_TRUE(std::ifstream(path).good()) << path << " is missing (scripts/install-deps.sh)";
-  std::unique_ptr<FontInfo> info = analyzeAll(path);
-  ASSERT_NE(info, nullptr);
-  const CharMetricsInfo* table = info->GetCharMetricsInfo();
-  ASSERT_NE(table, nullptr);
-
-  FT_Library library = nullptr;
-  ASSERT_EQ(FT_Init_FreeType(&library), 0);
-  FT_Face face = nullptr;
-  ASSERT_EQ(FT_New_Face(library, path.c_str(), 0, &face), 0);
-  ASSERT_EQ(FT_Select_Charmap(face, FT_ENCODING_UNICODE), 0);
-  std::set<FT_ULong> mapped;
-  int stored = 0;
-  FT_UInt glyph = 0;
-  for (FT_ULong code = FT_Get_First_Char(face, &glyph); glyph != 0;
-       code = FT_Get_Next_Char(face, code, &glyph)) {
-    mapped.insert(code);
-    const CharMetrics* metrics = table->GetCharMetrics(static_cast<unsigned>(code));
-    if (!isStoredBit(FontUSBType::GetUSBType(static_cast<unsigned>(code)))) {
-      EXPECT_EQ(metrics, nullptr) << std::hex << code;
-      continue;
-    }
-    FT_Fixed advance = 0;
-    ASSERT_EQ(FT_Get_Advance(face, glyph, FT_LOAD_NO_SCALE, &advance), 0);
-    ASSERT_NE(metrics, nullptr) << "U+" << std::hex << code;
-    EXPECT_EQ(metrics->GetAdvance(), advance) << "U+" << std::hex << code;
-    ++stored;
-  }
-  EXPECT_GT(stored, 200);
-  for (unsigned code = 0; code <= 0xFFFF; ++code) {
-    if (mapped.count(code) == 0) {
-      EXPECT_FALSE(table->IsVisibleChar(code)) << std::hex << code;
-    }
-  }
-
-  ASSERT_TRUE(FT_HAS_KERNING(face));
-  const KerningInfo* kerning = info->GetKerningInfo();
-  ASSERT_NE(kerning, nullptr);
-  int pairs = 0;
-  for (FT_ULong left = 32; left <= 126; ++left) {
-    for (FT_ULong right = 32; right <= 126; ++right) {
-      FT_Vector delta;
-      ASSERT_EQ(FT_Get_Kerning(face, FT_Get_Char_Index(face, left), FT_Get_Char_Index(face, right),
-                               FT_KERNING_UNSCALED, &delta),
-                0);
-      EXPECT_EQ(kerning->GetDelta(static_cast<int>(left), static_cast<int>(right)), delta.x)
-          << left << " " << right;
-      pairs += delta.x != 0;
-    }
-  }
-  EXPECT_GT(pairs, 0);
-  EXPECT_EQ(kerning->GetCount(), pairs);
-  FT_Done_Face(face);
-  FT_Done_FreeType(library);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Installed, RealFontTest,
-    ::testing::Values("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf",
-                      "/usr/share/fonts/truetype/liberation/LiberationSans-Regular.ttf",
-                      "/usr/share/fonts/truetype/nanum/NanumGothic.ttf"));
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/common/analysis/PythonOutput.h"
+#include "tests/support/Python.h"
 
 namespace {
 
@@ -26,12 +26,14 @@ struct ListedRange {
 
 // The published block lists of every bit, as the table generator holds them.
 std::vector<ListedRange> listedRanges() {
-  std::istringstream in(analysis_test::pythonOutput(
+  std::string text;
+  EXPECT_TRUE(kelfont_test::runPython(
       "import sys; sys.path.insert(0, sys.argv[1]); import gen_usb_types as g; "
       "[print(b, i, len(r), f, l) for b, r in g.parse_bit_lists(g.MULTI) "
       "for i, (f, l) in enumerate(r)]; "
       "[print(b, -1, 0, *r[0]) for b, r in g.parse_single(g.SINGLE)]",
-      kScripts));
+      {kScripts}, &text));
+  std::istringstream in(text);
   std::vector<ListedRange> result;
   ListedRange r{};
   while (in >> r.bit >> r.index >> r.count >> r.first >> r.last) result.push_back(r);

@@ -6,15 +6,17 @@
 #include <string>
 #include <vector>
 
-#include "tests/common/analysis/PythonOutput.h"
+#include "tests/support/Python.h"
 
 namespace {
 
 using qro_common::FontUtils;
 
 TEST(FontUtils, MacRomanEncAgreesWithPythonsMacRomanCodec) {
-  std::istringstream in(analysis_test::pythonOutput(
-      "print(' '.join(str(ord(bytes([b]).decode('mac_roman'))) for b in range(256)))"));
+  std::string text;
+  ASSERT_TRUE(kelfont_test::runPython(
+      "print(' '.join(str(ord(bytes([b]).decode('mac_roman'))) for b in range(256)))", {}, &text));
+  std::istringstream in(text);
   std::vector<unsigned> expected;
   for (unsigned value; in >> value;) expected.push_back(value);
   ASSERT_EQ(expected.size(), 256u);

@@ -65,28 +65,6 @@ TEST(DefaultFontInfo, GoldenBytes) {
                            hex("02 03 01 02 01 801D0000 BF1D0000 0100 0000 0201") + zeros(123));
 }
 
-TEST(DefaultFontInfo, RoundTrip) {
-  DefaultFontInfo info;
-  for (unsigned code = 0x20; code < 0x7F; code += 2) addDefaultFont(info, code, 1);
-  addDefaultFont(info, 0xAC00, 5);
-  addDefaultFont(info, 0xD7B0, 6);
-  addDefaultFont(info, 0x1F0A0, 9);
-  ByteSink out;
-  ASSERT_TRUE(info.Write(out));
-  auto in = source(out.bytes);
-  DefaultFontInfo copy;
-  ASSERT_TRUE(copy.Read(in));
-  EXPECT_EQ(in.Available(), 0u);
-  for (unsigned code : {0x20u, 0x21u, 0x7Eu, 0xAC00u, 0xAC01u, 0xD7B0u, 0x1F0A0u, 0x1F0A1u}) {
-    EXPECT_EQ(copy.GetFontIndex(code), info.GetFontIndex(code)) << std::hex << code;
-  }
-  EXPECT_EQ(copy.GetFontIndex(0x20), 1);
-  EXPECT_EQ(copy.GetFontIndex(0xD7B0), 6);
-  ByteSink again;
-  ASSERT_TRUE(copy.Write(again));
-  EXPECT_EQ(again.bytes, out.bytes);
-}
-
 TEST(DefaultFontInfo, ReadSkipsUnknownTypesAndIgnoresSubRangeTypes) {
   // Slot 0: type 3 (unknown here); slot 1 gets the next byte: a multi range
   // whose sub-range type byte says 9 and is read as a single range anyway.

@@ -102,16 +102,6 @@ TEST_F(FontManagerOutlineTest, GlyphsAreDrawnFromTheTruncatedPenWithYFlipped) {
     // pixel (64 units), path units are font units.
     EXPECT_NEAR(reference.metrics.horiAdvance, basic.chars.at(ch).advance, 64);
   }
-  // "A" is one triangle, closed by a line back to its start.
-  float x = 0, y = 0;
-  manager.OutlineToPath(&info, 'A', x, y, &path);
-  const auto& contour = basic.outlines.at(int(glyphOf('A'))).at(0);
-  ASSERT_EQ(path.commands.size(), contour.size() + 1);
-  for (std::size_t i = 0; i < path.commands.size(); ++i) {
-    EXPECT_EQ(path.commands[i][0], i == 0 ? 'M' : 'L');
-    EXPECT_NEAR(path.commands[i][1], contour[i % contour.size()].x, 64) << i;
-    EXPECT_NEAR(path.commands[i][2], -contour[i % contour.size()].y, 64) << i;
-  }
 }
 
 TEST_F(FontManagerOutlineTest, GlyphIndexMovesOnlyThePenByTheSideBearing) {

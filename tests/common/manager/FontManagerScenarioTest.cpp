@@ -101,8 +101,7 @@ TEST_F(FontManagerScenarioTest, FirstStartScansSecondTrustsTheCacheTouchRescans)
 TEST_F(FontManagerScenarioTest, AdvancesFallBackThroughChainsAndDefaults) {
   TempDir storage;
   ManagerRig rig = start(storage.path() + "/", dirs());
-  ExpectedFace wingdings;
-  ASSERT_TRUE(loadExpectedFace("wingdings.ttf", 0, &wingdings));
+  const kelfont_test::ExpectedFace wingdings = kelfont_test::expectedFace("wingdings.ttf");
   float wingdingsA = wingdings.chars.at(0xF041).advance / 2048.0f;
   struct Row {
     const char* font;
@@ -172,8 +171,7 @@ TEST_F(FontManagerScenarioTest, VisibilityKerningAndStandInFaces) {
   EXPECT_EQ(rig->ResolveSystemFontInfo(gulim, 56, false, false), nanumFace);
   EXPECT_EQ(rig->ResolveSystemFontInfo(dejavu, 56, false, false), nanumFace);  // script default
   EXPECT_EQ(rig->ResolveFontMetrics(gulim)->GetUnitsPerEm(), 1000);
-  ExpectedFace expected;
-  ASSERT_TRUE(loadExpectedFace("basic.ttf", 0, &expected));
+  const kelfont_test::ExpectedFace expected = kelfont_test::expectedFace("basic.ttf");
   EXPECT_FLOAT_EQ(rig->GetGlyphAdvanceRatio(basic, -1, expected.chars.at('A').glyph, false, false),
                   expected.chars.at('A').advance / 2048.0f);
 }
@@ -181,8 +179,7 @@ TEST_F(FontManagerScenarioTest, VisibilityKerningAndStandInFaces) {
 TEST_F(FontManagerScenarioTest, The32ndLoadedFontEvictsTheFirst) {
   TempDir storage;
   ManagerRig rig = start(storage.path() + "/", {});  // package fonts only
-  ExpectedFace basic;
-  ASSERT_TRUE(loadExpectedFace("basic.ttf", 0, &basic));
+  const kelfont_test::ExpectedFace basic = kelfont_test::expectedFace("basic.ttf");
   float ratioA = basic.chars.at('A').advance / 2048.0f;
   std::vector<int> fonts;
   for (int n = 0; n < 32; ++n) fonts.push_back(rig->GetFontIndex(packageFontName(n)));

@@ -30,9 +30,8 @@ long advanceOf(FT_Face face, FT_ULong ch) {
 }
 
 TEST(FontFacePool, OpensTheFaceOfTheInfoAndKeepsItByInfoIndex) {
-  kelfont_test::ExpectedFace basic, collC;
-  ASSERT_TRUE(kelfont_test::loadExpectedFace("basic.ttf", 0, &basic));
-  ASSERT_TRUE(kelfont_test::loadExpectedFace("collection.ttc", 2, &collC));
+  const kelfont_test::ExpectedFace basic = kelfont_test::expectedFace("basic.ttf");
+  const kelfont_test::ExpectedFace collC = kelfont_test::expectedFace("collection.ttc", 2);
   FontFacePool pool;
   FT_Face face = pool.GetFontFace(*makeInfo(3, kelfont_test::testFontPath("basic.ttf")));
   ASSERT_NE(face, nullptr);
@@ -92,8 +91,7 @@ TEST(FontFacePool, UnopenableFilesGiveNoneAndAreTriedAgain) {
   EXPECT_EQ(pool.GetFaceCount(), 0u);
   ASSERT_TRUE(kelfont_test::writeFile(
       later, kelfont_test::readFile(kelfont_test::testFontPath("bold.ttf"))));
-  kelfont_test::ExpectedFace bold;
-  ASSERT_TRUE(kelfont_test::loadExpectedFace("bold.ttf", 0, &bold));
+  const kelfont_test::ExpectedFace bold = kelfont_test::expectedFace("bold.ttf");
   EXPECT_EQ(advanceOf(pool.GetFontFace(*info), 'A'), bold.chars.at('A').advance);
 }
 

@@ -86,15 +86,7 @@ TEST(FontTable, ARefusedFaceIsDroppedFromAScanButKeptFromTheCache) {
   EXPECT_EQ(cached.RegisterFontInfo(face("Foo", "Book"), true), 0);
   ASSERT_EQ(cached.GetFontInfoCount(), 2);
   EXPECT_EQ(cached.GetStyledFontInfoList(0)->GetRegular(), cached.GetFontInfo(0));
-
-  // A Light-only Roboto has no accepted face and resolves to nothing.
-  FontTable roboto;
-  ASSERT_EQ(roboto.RegisterFontInfo(face("Roboto", "Light", "/l.ttf"), true), 0);
-  for (bool bold : {false, true}) EXPECT_EQ(roboto.ResolveFontInfo(0, bold, true, false), nullptr);
-  EXPECT_EQ(roboto.GetFontMetrics(0, false, false), nullptr);
-  EXPECT_EQ(roboto.GetFontFilePath("Roboto", false, false), nullptr);
-  EXPECT_EQ(roboto.RegisterFontInfo(face("Roboto", "Regular", "/r.ttf"), true), 0);
-  EXPECT_EQ(*roboto.GetFontFilePath("Roboto", true, false), "/r.ttf");
+  // (A Light-only Roboto: StyledFontInfoListTest and the facade's -4.)
 }
 
 TEST(FontTable, ResolvesTheBoldFaceEvenForBoldItalic) {
