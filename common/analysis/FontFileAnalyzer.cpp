@@ -327,6 +327,10 @@ bool FontFileAnalyzer::LoadAdvance(FT_UInt glyph, unsigned short* advance) {
   return true;
 }
 
+namespace {
+constexpr FT_ULong kLastCodePoint = 0x10FFFF;
+}  // namespace
+
 void FontFileAnalyzer::WalkCharacterMap() {
   if (mapWalked_) return;
   mapWalked_ = true;
@@ -343,6 +347,9 @@ void FontFileAnalyzer::WalkCharacterMap() {
   FT_ULong first = 1;
   FT_ULong last = 0;
   for (; glyph != 0; code = FT_Get_Next_Char(face_, code, &glyph)) {
+    // Nothing past the last code point is kept, and a hostile map may go on
+    // to 0xFFFFFFFF one code at a time.
+    if (code > kLastCodePoint) break;
     const bool sameBlock = code >= first && code <= last &&
                            FontUSBType::GetUSBType(static_cast<unsigned>(code)) == bit;
     if (!sameBlock) {
