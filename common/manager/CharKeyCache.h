@@ -116,7 +116,7 @@ class CharKeyCache {
       }
       styles_.store(nullptr, std::memory_order_relaxed);
     }
-    retiredStyles_.clear();
+    styleTables_.clear();
     overflow_.clear();
     overflowSize_.store(0, std::memory_order_relaxed);
     size_.store(0, std::memory_order_relaxed);
@@ -225,14 +225,14 @@ class CharKeyCache {
       }
     }
     Styles* published = grown.get();
-    retiredStyles_.push_back(std::move(grown));
+    styleTables_.push_back(std::move(grown));
     styles_.store(published, std::memory_order_release);
     return published;
   }
 
   std::atomic<Styles*> styles_{nullptr};
   // Every styles table made since the last Clear(), the current one last.
-  std::vector<std::unique_ptr<Styles, typename Styles::Free>> retiredStyles_;
+  std::vector<std::unique_ptr<Styles, typename Styles::Free>> styleTables_;
   std::mutex insertMutex_;
   mutable std::shared_mutex overflowMutex_;
   std::unordered_map<CharKey, Value, CharKeyHash> overflow_;
