@@ -12,6 +12,14 @@ if [ "$(id -u)" = 0 ] || command -v sudo >/dev/null 2>&1; then
   bash scripts/install-deps.sh
 fi
 
+# The Android font corpus: tests that need it read KELFONT_ANDROID_FONTS and
+# are skipped with a message where it is not set.
+if [ -z "${KELFONT_ANDROID_FONTS:-}" ] && { [ "$(id -u)" = 0 ] || command -v sudo >/dev/null 2>&1; }; then
+  bash scripts/android-fonts.sh build-android-fonts
+  KELFONT_ANDROID_FONTS=$PWD/build-android-fonts
+fi
+export KELFONT_ANDROID_FONTS=${KELFONT_ANDROID_FONTS:-}
+
 jobs=$(nproc 2>/dev/null || echo 2)
 status=0
 summary=()
