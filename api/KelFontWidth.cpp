@@ -3,13 +3,11 @@
 #include <limits>
 #include <new>
 
-#include "base/FileUtils.h"
 #include "base/KeepForProcess.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontInfoSerializer.h"
 #include "common/font_info/KerningInfo.h"
-#include "common/registry/DataFileNames.h"
 #include "common/registry/FontTable.h"
 
 using qro_common::CharKey;
@@ -63,19 +61,13 @@ void CKelFontWidth::SetExtractPath(const char* path) { extractPath_ = pathOrEmpt
 void CKelFontWidth::SetFontPath(const char* path) { fontPathList_.push_back(pathOrEmpty(path)); }
 
 int CKelFontWidth::InitFontInfoSerializer() {
-  if (extractPath_.empty()) return -2;
+  // Making the serializer cannot fail for want of storage: a path that is
+  // empty or cannot hold the cache gives an empty table, and a later
+  // start-up on a good path reads that path's cache.
   FontInfoSerializer* serializer = nullptr;
   try {
     serializer = new FontInfoSerializer(extractPath_);
   } catch (const std::bad_alloc&) {
-    return -2;
-  }
-  // The serializer creates its folders on construction; without them it
-  // can neither read nor write anything.
-  std::string dataDirectory = extractPath_ + qro_common::getFontInfoStorageName() +
-                              qro_common::getFontInfoDataDirectoryName();
-  if (!qro_base::isFileExists(dataDirectory.c_str())) {
-    delete serializer;
     return -2;
   }
   keepForProcess(serializer);

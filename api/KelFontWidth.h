@@ -61,8 +61,9 @@ class CKelFontWidth {
   void SetExtractPath(const char* path);
   void SetFontPath(const char* path);
 
-  // Creates the serializer on the extract path: 0, or -2 when the path is
-  // empty or its cache folders could not be created.
+  // Creates the serializer on the extract path: 0, or -2 only when memory
+  // runs out. An empty path, or one whose cache folders cannot be made,
+  // still gives a serializer (which then finds no cache).
   int InitFontInfoSerializer();
   // Creates a font table and loads the serializer's cache into it (a
   // missing or unreadable cache leaves it empty): 0, or -3 when there is no

@@ -15,9 +15,13 @@
 // Font widths from an existing font information cache.
 //
 // InitKelFont reads the cache under `extractPath` ("FInfo/" there); it never
-// scans fonts. A failed start-up is final for the process: later calls skip
-// the start-up and report the same status. Queries are not thread-safe:
-// call this family from one thread at a time.
+// scans fonts. A path that holds no cache (empty, missing, not writable)
+// starts with an empty font table; a later InitKelFont on a good path reads
+// its cache. A failed start-up (out of memory) is final for the process:
+// later calls skip the start-up and report the same status. Start-up and
+// UnInitKelFont run on one thread; the queries (GetFontIndex,
+// GetFontCharInfo, GetKerningInfo, GetFontEmSquareFUnit,
+// ClearKelFontCacheInfo) may then run on any number of threads at once.
 // ---------------------------------------------------------------------------
 
 class CKelFontWidth;

@@ -9,8 +9,10 @@ namespace qro_base {
 // `size`, go through the converter of `encoding` that the environment's
 // converter manager hands out. Without a manager or without a converter for
 // the encoding the reader is not open and Read() gives -1. Characters split
-// across blocks are joined; an incomplete character at the very end of the
-// source is left to the converter as the last block.
+// across blocks are joined when a whole character fits in the buffer (4
+// bytes for UTF-8); with a smaller buffer, a character longer than it is
+// converted in pieces, as an incomplete one. An incomplete character at the
+// very end of the source is left to the converter as the last block.
 class BufferedReader : public BufferedInputStream {
  public:
   BufferedReader(InputStream* source, unsigned encoding, unsigned size);

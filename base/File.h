@@ -17,9 +17,10 @@ class File {
 
   bool IsOpen() const { return open_; }
 
-  // Bytes transferred; 0 when the file did not open.
-  unsigned Read(char* buffer, unsigned count) const;
-  unsigned Write(const char* buffer, unsigned count);
+  // Bytes transferred; 0 when the file did not open. A host may override
+  // both.
+  virtual unsigned Read(char* buffer, unsigned count) const;
+  virtual unsigned Write(const char* buffer, unsigned count);
 
   // Absolute seek; the C result (0 on success, -1 on failure).
   int Seek(long offset);

@@ -10,7 +10,8 @@ namespace qro_base {
 // memory in one call. The source is not owned. The caller states the
 // uncompressed length; the stream never writes more than that (or than the
 // destination size of the second form), and data that does not fit, that
-// ends early or that is corrupt is an error.
+// ends early or that is corrupt is deliberately an error (never a short
+// success).
 class InflateInputStream : public InputStream {
  public:
   InflateInputStream(InputStream& source, unsigned length);

@@ -263,17 +263,7 @@ Unit* writeFloat(double value, unsigned int fractionDigits, Unit* buffer, bool f
     }
   }
   if (written == 0) pos = point;
-  buffer[pos] = 0;
-
-  if (negative) {
-    bool allZero = true;
-    for (std::size_t j = intStart; j < pos; ++j) {
-      if (j != point && buffer[j] != '0') allZero = false;
-    }
-    if (allZero) {
-      for (std::size_t j = 0; j < pos; ++j) buffer[j] = buffer[j + 1];
-    }
-  }
+  buffer[pos] = 0;  // a negative value keeps its "-" even when every digit is 0
   return buffer;
 }
 

@@ -63,8 +63,9 @@ unsigned short* Int64ToArray16(long long value, unsigned short* buffer);
 //    when no digit remains ("2.5", "3"). `fixed` true: the fraction is
 //    padded with zeros to `fractionDigits` digits, as far as the 17
 //    significant digits allow ("2.500", "3.00").
-//  - A result whose digits are all zero has no sign ("-0.001" with 2 digits
-//    gives "0"). NaN gives "nan", infinities "inf" and "-inf".
+//  - A negative value keeps its "-" even when all its digits are zero
+//    ("-0.001" with 2 digits gives "-0"; -0.0 is not negative and gives
+//    "0"). NaN gives "nan", infinities "inf" and "-inf".
 // The buffer must hold 4 + fractionDigits units plus one per integer digit
 // of |value|: 20 + fractionDigits units below 1e16, 313 + fractionDigits for
 // any double.

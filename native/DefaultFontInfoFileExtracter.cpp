@@ -88,6 +88,8 @@ bool DefaultFontInfoFileExtracter::Extract(const char* entryName) {
   if (got != size) return false;
 
   std::string path = dataDirectory_ + qro_common::getFontInfoStorageName() + entryName;
+  // A failed write is detected and logged (by the stream's commit), never
+  // taken for an extracted file.
   qro_base::AtomicFileOutputStream out(path);
   bool written = out.Write(buffer.get(), size);
   return out.Commit() && written;

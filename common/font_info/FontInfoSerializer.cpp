@@ -10,6 +10,7 @@
 
 #include "base/AtomicFileOutputStream.h"
 #include "base/FileUtils.h"
+#include "base/Log.h"
 #include "base/MemoryInputStream.h"
 #include "common/analysis/LangCode.h"
 #include "common/font_info/CharMetricsInfo.h"
@@ -81,6 +82,13 @@ bool readWholeFile(const std::string& path, std::vector<char>& bytes) {
   return ok;
 }
 
+// A file whose content could not be made whole is not replaced: the
+// temporary file goes with its stream, and the old file stays.
+bool refused(const std::string& path) {
+  qro_base::logProfile("Cannot write %s: %s", path.c_str(), "incomplete content");
+  return false;
+}
+
 std::unique_ptr<std::string> optionalName(const std::string& text) {
   return text.empty() ? nullptr : std::unique_ptr<std::string>(new std::string(text));
 }
@@ -92,11 +100,18 @@ FontInfoSerializer::FontInfoSerializer(const std::string& basePath)
       numberBuffer_(new char[kNumberBufferSize]()),
       basePath_(basePath) {
   scratch_.reserve(16);
+  // An empty base path names no storage folder: nothing is created (the
+  // process's working directory is not the library's to fill), and only
+  // files that are already there can be read.
   std::string storage = basePath_ + getFontInfoStorageName();
-  qro_base::confirmFilePathExists(basePath_.c_str());
-  qro_base::confirmFilePathExists(storage.c_str());
+  if (!basePath_.empty()) {
+    qro_base::confirmFilePathExists(basePath_.c_str());
+    qro_base::confirmFilePathExists(storage.c_str());
+  }
   tableExists_ = qro_base::isFileExists(GetTablePath().c_str());
-  qro_base::confirmFilePathExists((storage + getFontInfoDataDirectoryName()).c_str());
+  if (!basePath_.empty()) {
+    qro_base::confirmFilePathExists((storage + getFontInfoDataDirectoryName()).c_str());
+  }
 }
 
 FontInfoSerializer::~FontInfoSerializer() = default;
@@ -283,25 +298,27 @@ bool FontInfoSerializer::Read(std::vector<FontInfo*>& list) {
 
 bool FontInfoSerializer::MakeFontInfoList(qro_base::FileInputStream& in,
                                           std::vector<FontInfo*>& list) {
+  // True only for records read here, not for what the caller's list held.
   unsigned size = in.Available();
-  if (size == 0 || size > kMaxFileSize) return !list.empty();
+  if (size == 0 || size > kMaxFileSize) return false;
   std::unique_ptr<char[]> bytes(new char[size + 1]);
   int got = in.Read(bytes.get(), size);
-  if (got <= 0) return !list.empty();
+  if (got <= 0) return false;
   const char* cursor = bytes.get();
   const char* end = cursor + got;
   const char* begin = nullptr;
   const char* sectionEnd = nullptr;
-  if (!ReadLeadingSections(cursor, end)) return !list.empty();
-  if (!readSection(cursor, end, begin, sectionEnd)) return !list.empty();
+  if (!ReadLeadingSections(cursor, end)) return false;
+  if (!readSection(cursor, end, begin, sectionEnd)) return false;
   std::string section(begin, sectionEnd);
   ReadDefaultFontIndex(section);
+  const std::size_t before = list.size();
   while (readSection(cursor, end, begin, sectionEnd)) {
     section.assign(begin, sectionEnd);
     std::unique_ptr<FontInfo> info(new FontInfo());
     if (Read(*info, section)) list.push_back(info.release());
   }
-  return !list.empty();
+  return list.size() > before;
 }
 
 void FontInfoSerializer::ReadDefaultFontIndex(std::string& section) {
@@ -611,7 +628,7 @@ bool FontInfoSerializer::Write(std::vector<FontInfo*>& list,
     ok = WriteSize4(out, static_cast<unsigned>(body.size())) &&
          out.Write(body.data(), static_cast<unsigned>(body.size()));
   }
-  return out.Commit() && ok;
+  return out.Commit() && ok;  // a failed write fails the commit
 }
 
 // --- Data files ---
@@ -669,7 +686,8 @@ bool FontInfoSerializer::WriteData(FontInfo& info) {
   bool ok = true;
   if (charMetrics != nullptr) ok = charMetrics->Write(out);
   if (ok && kerning != nullptr) ok = kerning->Write(out);
-  return out.Commit() && ok;
+  // A part that refused to write leaves the old file in place.
+  return ok ? out.Commit() : refused(path);
 }
 
 bool FontInfoSerializer::ReadDefaultFontInfo(DefaultFontInfo& out) {
@@ -681,8 +699,7 @@ bool FontInfoSerializer::ReadDefaultFontInfo(DefaultFontInfo& out) {
 
 bool FontInfoSerializer::WriteDefaultFontInfo(DefaultFontInfo& in) {
   qro_base::AtomicFileOutputStream out(GetDefaultFontInfoPath());
-  bool ok = in.Write(out);
-  return out.Commit() && ok;
+  return in.Write(out) ? out.Commit() : refused(GetDefaultFontInfoPath());
 }
 
 }  // namespace qro_common

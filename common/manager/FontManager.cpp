@@ -60,8 +60,9 @@ bool FontManager::Initialize() {
 
   bool modified = serializer.IsModified(fontDirectoryPathList_);
   if (ok && !modified) {
-    // The default font information on disk is read, not rewritten: it is
-    // only rebuilt by a scan.
+    // Deliberately, the default font information on disk is read, not
+    // rewritten from a still-empty record first: it is only rebuilt by a
+    // scan.
     LoadDefaultFontList(serializer);
     serializer.ReadDefaultFontInfo(*defaultFontInfo_);
   } else {
@@ -94,9 +95,8 @@ void FontManager::Reset() {
   visibleCharCache_.Clear();
   systemFontCache_.Clear();
   scriptFontCache_.Clear();
-  advanceRatioAdjustFontSet_.clear();
-  adjustSpacingFontSet_.clear();
-  cjkExceptFontSet_.clear();
+  // The three spacing sets stay until Initialize() rebuilds them: the
+  // scan of an Update() asks the CJK-except set about the fonts it finds.
   // Open faces are keyed by info index, which a new table gives out anew.
   facePool_.reset();
   delete fontTable_;
@@ -125,6 +125,8 @@ void FontManager::RemoveAllFiles() {
   std::remove((storage + getFontInfoTableName()).c_str());
   std::remove((storage + getDefaultFontInfoFileName()).c_str());
 
+  // Deliberately walked by full path: the library never changes the host's
+  // working directory.
   std::string data = storage + getFontInfoDataDirectoryName();
   DIR* dir = opendir(data.c_str());
   if (dir == nullptr) return;

@@ -87,7 +87,8 @@ class FontManager : public qro_base::NonCopyable {
   virtual bool Initialize();
   // Initialize() again.
   virtual bool Update();
-  // Releases what Initialize() built, so that it can run again.
+  // Releases what Initialize() built, so that it can run again; the three
+  // spacing sets stay until Initialize() rebuilds them.
   void Reset();
   // Whether the cache under the storage path is missing, unreadable, of
   // another version, or records other font directories than the current
@@ -189,10 +190,10 @@ class FontManager : public qro_base::NonCopyable {
   FontInfo* ResolveSystemFontInfo(int fontIndex, bool bold, bool italic) const;
   // A face with a file that has characters of the script for the font.
   FontInfo* ResolveSystemFontInfo(int fontIndex, int script, bool bold, bool italic);
-  // The kerning between two characters in font units; 0 when the face's
-  // kerning is not loaded or the pair has none.
+  // The kerning between two characters in font units; 0 when the pair has
+  // none. The face's data is loaded on demand, as for advances.
   int GetKerningWidth(int fontIndex, bool bold, bool italic, unsigned first, unsigned second);
-  int GetKerningWidth(const FontInfo* info, unsigned first, unsigned second) const;
+  int GetKerningWidth(FontInfo* info, unsigned first, unsigned second);
   // Drops every face's per-character data (it is loaded again on demand).
   void ClearCacheInfo();
 

@@ -74,17 +74,17 @@ int drawGlyph(FT_Face face, FT_UInt glyph, bool bearingCorrection, float& x, Tar
   FT_Set_Char_Size(face, 0, kCharHeight, kResolution, kResolution);
   if (FT_Load_Glyph(face, glyph, FT_LOAD_DEFAULT) != 0) return -1;
   const FT_GlyphSlot slot = face->glyph;
-  float pen = x;
   if (bearingCorrection) {
-    // Moves only the returned pen: the outline is drawn from the origin.
+    // Moves only the returned pen, and before the outline is drawn: it
+    // stays when drawing fails. The outline is drawn from the origin.
     float bearing = static_cast<float>(slot->metrics.horiBearingX);
-    pen += slot->metrics.width > slot->metrics.horiAdvance ? -bearing : bearing;
+    x += slot->metrics.width > slot->metrics.horiAdvance ? -bearing : bearing;
   }
   if (FT_Outline_Decompose(&slot->outline, &kOutlineFuncs, &target) != 0) {
     target.path->reset();
     return -1;
   }
-  x = pen + static_cast<float>(slot->metrics.horiAdvance);
+  x += static_cast<float>(slot->metrics.horiAdvance);
   return 0;
 }
 

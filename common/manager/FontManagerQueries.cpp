@@ -121,10 +121,16 @@ int FontManager::GetKerningWidth(int fontIndex, bool bold, bool italic, unsigned
   return GetKerningWidth(GetFontInfo(fontIndex, bold, italic), first, second);
 }
 
-int FontManager::GetKerningWidth(const FontInfo* info, unsigned first, unsigned second) const {
+int FontManager::GetKerningWidth(FontInfo* info, unsigned first, unsigned second) {
   if (info == nullptr || fontTable_ == nullptr) return 0;
   ReadSection section(fontTable_->GetDeferredDeleter());
   const KerningInfo* kerning = info->GetKerningInfo();
+  if (kerning == nullptr) {
+    // Kerning arrives with the face's per-character data: a face not yet
+    // used (a scan writes its data and drops it) is loaded here.
+    LoadedCharMetricsInfo(*info, -1);
+    kerning = info->GetKerningInfo();
+  }
   if (kerning == nullptr) return 0;
   return kerning->GetDelta(static_cast<int>(first), static_cast<int>(second));
 }
@@ -133,7 +139,7 @@ void FontManager::ClearCacheInfo() {
   if (fontTable_ == nullptr) return;
   std::lock_guard<std::mutex> lock(mutex_);
   fontTable_->ClearCacheInfo();
-  loaded_.clear();  // nothing is loaded any more
+  loaded_.clear();  // deliberately emptied too: nothing is loaded any more
 }
 
 int FontManager::GetDefaultFontIndexByCharType(int charType) const {

@@ -107,6 +107,7 @@ bool FontManager::UpdateFontInfo(FontFileAnalyzer& analyzer, FontInfoSerializer&
     return true;
   }
   auto face = static_cast<unsigned char>(faceIndex);
+  record->SetFaceIndex(face);  // the look-up of ExtraBold faces compares it
 
   if (FontInfo* existing = fontTable_->FindFontInfo(*record)) {
     existing->SetScanState(2);
@@ -121,8 +122,9 @@ bool FontManager::UpdateFontInfo(FontFileAnalyzer& analyzer, FontInfoSerializer&
     if (IsCJKExceptFont(index)) record->SetCJK(false);  // the record is dropped below
     analyzer.ApplyDefaultFontInfo(index, *defaultFontInfo_);
     if (analyzer.GetFileSize() != existing->GetFileSize()) {
-      // The file changed: its per-character data is rebuilt, and the new
-      // size is kept so that the next scan does not rebuild it again.
+      // The file changed: its per-character data is rebuilt, and
+      // (deliberately) the new size is kept so that the next scan does not
+      // rebuild it again.
       existing->SetFileSize(analyzer.GetFileSize());
       analyzer.AnalyzeData(*existing);
       writeAndDropData(serializer, *existing);

@@ -50,9 +50,12 @@ const Band kBands[] = {
 };
 constexpr float kAboveBandsDelta = 20;
 
+// Rebuilds `set` from the names (the set replaced whole, not added to).
 template <std::size_t N>
 void fillSet(const FontManager& manager, const char* const (&names)[N], std::set<int>& set) {
-  for (const char* name : names) set.insert(manager.GetFontIndex(name));
+  std::set<int> indexes;
+  for (const char* name : names) indexes.insert(manager.GetFontIndex(name));
+  set.swap(indexes);
 }
 
 }  // namespace

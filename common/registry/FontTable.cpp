@@ -117,8 +117,31 @@ const std::string* FontTable::GetFontFilePath(const std::string& name, bool bold
 
 FontInfo* FontTable::FindFontInfo(FontInfo& info) const {
   if (info.GetFontName() == nullptr) return nullptr;
+  const std::string* style = info.GetStyleName();
+  if (style != nullptr && containsExtraBold(*style)) return FindExtraBoldFontInfo(info);
   const StyledFontInfoList* list = GetStyledFontInfoList(FindFont(*info.GetFontName()));
   return list == nullptr ? nullptr : list->FindFontInfo(info);
+}
+
+// An ExtraBold face is registered as its own font, "<name> ExtraBold", in
+// the regular slot (see RegisterFontInfo), so that is where a rescan finds
+// it: the record of the same file and face first (a second ExtraBold face
+// of the family, say an italic one, has a record outside the slot), else
+// the slot's record unless this scan already claimed it for another file.
+FontInfo* FontTable::FindExtraBoldFontInfo(const FontInfo& info) const {
+  const std::string name = *info.GetFontName() + " " + kExtraBold;
+  for (FontInfo* candidate : infos_) {
+    const std::string* candidateName = candidate->GetFontName();
+    const std::string* path = candidate->GetFilePath();
+    if (candidateName != nullptr && *candidateName == name && path != nullptr &&
+        info.GetFilePath() != nullptr && *path == *info.GetFilePath() &&
+        candidate->GetFaceIndex() == info.GetFaceIndex()) {
+      return candidate;
+    }
+  }
+  const StyledFontInfoList* list = GetStyledFontInfoList(FindFont(name));
+  FontInfo* regular = list == nullptr ? nullptr : list->GetRegular();
+  return regular != nullptr && regular->GetScanState() != 2 ? regular : nullptr;
 }
 
 int FontTable::FindFont(const std::string& name) const { return fonts_.Find(Font(name)); }

@@ -81,7 +81,8 @@ class FontTable : public qro_base::NonCopyable {
   const std::string* GetFontFilePath(int fontIndex, bool bold, bool italic) const;
   const std::string* GetFontFilePath(const std::string& name, bool bold, bool italic) const;
   // The face registered for `info`'s font name in the slot of `info`'s
-  // style; null when the font or its list is unknown.
+  // style; null when the font or its list is unknown. An ExtraBold face is
+  // looked for where RegisterFontInfo puts it.
   FontInfo* FindFontInfo(FontInfo& info) const;
 
   // --- Registration ---
@@ -96,8 +97,9 @@ class FontTable : public qro_base::NonCopyable {
   int RegisterFontInfo(FontInfo* info, bool fromCache);
   // Adds the face's localized names to the name map, or its font name when
   // it has none; names already present keep their index. When the font name
-  // was present, the registered regular face of `fontIndex`, if not valid,
-  // is completed from `info` (FontInfo::Update).
+  // was present, the face that a plain look-up of `fontIndex` gives (its
+  // regular face, else its default face), if not valid, is completed from
+  // `info` (FontInfo::Update).
   void RegisterLocaleFontName(FontInfo* info, int fontIndex);
   // Sets the symbol flag of a font whose name is a known symbol font name
   // (exact comparison).
@@ -130,6 +132,7 @@ class FontTable : public qro_base::NonCopyable {
  private:
   // The font index of an existing font of this name, or -1.
   int FindFont(const std::string& name) const;
+  FontInfo* FindExtraBoldFontInfo(const FontInfo& info) const;
   // The font of this name, added when missing.
   int FindOrAddFont(const std::string& name, bool* added);
   StyledFontInfoList* StyledListFor(int fontIndex);

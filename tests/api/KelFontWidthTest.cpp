@@ -13,19 +13,13 @@
 namespace {
 
 TEST(KelFontWidth, StartUpStepsFailForTheirOwnReasons) {
+  // -3: no serializer to load the table from; queries are refused.
+  CKelFontWidth facade;
+  EXPECT_EQ(facade.InitFontTable(), -3);
+  int advance = 0;
+  EXPECT_EQ(facade.GetFontCharInfo(0, 'A', false, false, advance), -1);
+  // The serializer makes the cache folders, however deep.
   kelfont_test::TempDir dir;
-  ASSERT_TRUE(kelfont_test::writeFile(dir.file("plain"), "not a folder"));
-  // -2: no extract path, or one that cannot become a folder.
-  for (std::string path : {std::string(), dir.file("plain") + "/cache/"}) {
-    CKelFontWidth facade;
-    if (!path.empty()) facade.SetExtractPath(path.c_str());
-    EXPECT_EQ(facade.InitFontInfoSerializer(), -2) << path;
-    EXPECT_EQ(facade._GetFontInfoSerializer(), nullptr);
-    // -3: no serializer to load the table from; queries are refused.
-    EXPECT_EQ(facade.InitFontTable(), -3);
-    int advance = 0;
-    EXPECT_EQ(facade.GetFontCharInfo(0, 'A', false, false, advance), -1);
-  }
   CKelFontWidth good;
   good.SetExtractPath((dir.path() + "/deep/cache/").c_str());
   EXPECT_EQ(good.InitFontInfoSerializer(), 0);

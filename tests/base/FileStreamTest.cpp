@@ -118,6 +118,16 @@ TEST(File, ReadsSeeksAndOpensForReadingOnlyEvenInWriteMode) {
     EXPECT_EQ(file.Seek(-1), -1);
   }
   EXPECT_EQ(readFile(dir.file("f")), "hello");
+  // A host's File overrides reading and writing, also through File&.
+  struct Counted : File {
+    using File::File;
+    unsigned Read(char*, unsigned count) const override { return count + 100; }
+    unsigned Write(const char*, unsigned count) override { return count + 200; }
+  } counted(dir.file("f").c_str(), 0);
+  File& base = counted;
+  char byte = 0;
+  EXPECT_EQ(base.Read(&byte, 1), 101u);
+  EXPECT_EQ(base.Write(&byte, 1), 201u);
   ASSERT_TRUE(writeFile(dir.file("empty"), ""));
   for (const std::string& path : {dir.file("empty"), dir.file("missing"), dir.path()}) {
     File file(path.c_str(), 0);

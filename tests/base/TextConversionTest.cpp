@@ -124,7 +124,7 @@ TEST(IntegerToArray, AgreesWithTheCLibraryAndExtremesFitTheDocumentedBuffers) {
 }
 
 // The documented rules: trailing zeros dropped or padded, the last digit
-// rounded half away from zero, no sign on zero, 17 significant digits.
+// rounded half away from zero, a sign on every negative value, 17 significant digits.
 TEST(FloatToArray, Table) {
   const struct {
     double value;
@@ -145,7 +145,8 @@ TEST(FloatToArray, Table) {
       {9.996, 2, true, "10.00"},
       {-99.95, 1, false, "-100"},
       {1.001, 2, true, "1.00"},
-      {-0.001, 2, false, "0"},
+      {-0.001, 2, false, "-0"},  // a negative value keeps its sign
+      {-0.25, 0, false, "-0"},
       {-0.0, 2, true, "0.00"},
       {-0.005, 2, false, "-0.01"},
       {0.1 + 0.2, 20, false, "0.30000000000000004"},

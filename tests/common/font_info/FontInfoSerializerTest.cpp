@@ -12,6 +12,8 @@
 
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/KerningInfo.h"
+#include "common/font_info/SingleCharMetricsRange.h"
+#include "common/font_info/SingleDefaultFontRange.h"
 #include "tests/common/font_info/ByteSink.h"
 #include "tests/common/font_info/TableBuilders.h"
 #include "tests/support/TempDir.h"
@@ -28,6 +30,8 @@ using kelfont_test::writeFile;
 using qro_common::CharMetricsInfo;
 using qro_common::DefaultFontInfo;
 using qro_common::FontInfo;
+using qro_common::SingleCharMetricsRange;
+using qro_common::SingleDefaultFontRange;
 using qro_common::FontInfoSerializer;
 using qro_common::KerningInfo;
 using qro_common::Panose;
@@ -304,9 +308,11 @@ TEST_F(FontInfoSerializerTest, TruncatedTablesKeepTheRecordsThatParseAndGarbageG
                                      std::string("0016" "ff" "Table Version 2.054\n")}) {
     ASSERT_TRUE(writeFile(Table(), garbage));
     FontInfoSerializer serializer(Base());
-    std::vector<FontInfo*> list;
+    // What the caller's list already held does not count as read.
+    FontInfo held;
+    std::vector<FontInfo*> list{&held};
     EXPECT_FALSE(serializer.Read(list));
-    EXPECT_TRUE(list.empty());
+    EXPECT_EQ(list.size(), 1u);
   }
 }
 
@@ -406,6 +412,29 @@ TEST_F(FontInfoSerializerTest, DefaultFontInfoFileRoundTripAndDamage) {
   DefaultFontInfo damaged;
   EXPECT_FALSE(serializer.ReadDefaultFontInfo(damaged));
   EXPECT_EQ(damaged.GetFontIndex(0x41), -1);
+}
+
+// A part that refuses to write (a reversed range) fails the write and
+// leaves the previous file as it was.
+TEST_F(FontInfoSerializerTest, RefusedPartsKeepTheOldFile) {
+  FontInfoSerializer serializer(Base());
+  FontInfo info;
+  info.SetInfoIndex(1);
+  auto* metrics = new CharMetricsInfo();
+  addAdvance(*metrics, 0x41, 1366);
+  info.SetCharMetricsInfo(metrics);
+  ASSERT_TRUE(serializer.WriteData(info));
+  DefaultFontInfo defaults;
+  ASSERT_TRUE(serializer.WriteDefaultFontInfo(defaults));
+  const std::string data = readFile(Data(1));
+  const std::string fi = readFile(dir_.file("FInfo/fi"));
+
+  metrics->SetCharMetricsRange(5, new SingleCharMetricsRange(10, 5));
+  defaults.SetDefaultFontRange(5, new SingleDefaultFontRange(10, 5));
+  EXPECT_FALSE(serializer.WriteData(info));
+  EXPECT_FALSE(serializer.WriteDefaultFontInfo(defaults));
+  EXPECT_EQ(readFile(Data(1)), data);
+  EXPECT_EQ(readFile(dir_.file("FInfo/fi")), fi);
 }
 
 TEST_F(FontInfoSerializerTest, UnwritableFilesFail) {

@@ -90,8 +90,7 @@ Answer ask(qro_common::FontManager& manager, const Query& q) {
       return {infoIndex(
           manager.ResolveSystemFontInfo(q.font, static_cast<int>(q.code), q.bold, q.italic))};
     case Kind::kKerning:
-      // Loads the face first: the kerning of a face that is not loaded is 0.
-      manager.GetCharMetrics(q.font, q.code, q.bold, q.italic);
+      // Loads the face itself when it is not loaded.
       return {
           static_cast<float>(manager.GetKerningWidth(q.font, q.bold, q.italic, q.code, q.second))};
     case Kind::kOutline: {
