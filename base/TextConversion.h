@@ -9,10 +9,12 @@
 
 #include <string>
 
+#include "base/U16CharTraits.h"
+
 namespace qro_base {
 
 // A string of UTF-16 code units.
-using u16string = std::basic_string<unsigned short>;
+using u16string = std::basic_string<unsigned short, U16CharTraits>;
 
 // Length of the UTF-8 sequence that `lead` starts: 1 for 0x00..0x7E, 2 for
 // 110xxxxx, 3 for 1110xxxx, 4 for 11110xxx, 5 for 111110xx, 6 for 1111110x

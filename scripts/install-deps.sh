@@ -8,6 +8,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libfreetype-dev zlib1g-dev libminizip-dev libzzip-dev
   clang-14 libclang-rt-14-dev
+  clang libc++-dev libc++abi-dev googletest
   python3-fonttools unicode-data
   fonts-dejavu-core fonts-liberation fonts-nanum
   default-jdk-headless

@@ -44,6 +44,13 @@ run_suite release -DCMAKE_BUILD_TYPE=RelWithDebInfo
 run_suite asan -DCMAKE_BUILD_TYPE=Debug -DKELFONT_SANITIZE=ON
 SUITE_TARGETS="kelfont_base_tests kelfont_common_tests kelfont_api_tests" SUITE_TESTS=Concurren \
   run_suite tsan -DCMAKE_BUILD_TYPE=Debug -DKELFONT_TSAN=ON
+# The Android toolchain's choices: clang, libc++ (GoogleTest built from its
+# sources against it; no benchmarks, whose installed library uses libstdc++),
+# plain char unsigned, and no generic char_traits (as in libc++ 19).
+run_suite libcxx -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+  -DCMAKE_CXX_FLAGS="-stdlib=libc++ -funsigned-char -include $PWD/tests/support/NoGenericCharTraits.h" \
+  -DKELFONT_GTEST_SOURCE_DIR=/usr/src/googletest -DCMAKE_DISABLE_FIND_PACKAGE_benchmark=ON \
+  -DCMAKE_REQUIRE_FIND_PACKAGE_JNI=ON
 
 echo "=== fuzz smoke runs ==="
 mkdir -p build-fuzz

@@ -40,7 +40,6 @@ struct Band {
 };
 
 constexpr float kBelowAll = -3.4e38f;
-constexpr float kAboveAll = 3.4e38f;
 
 const Band kBands[] = {
     {1000, 1050, 19},     {540, 588, 10},       {588, 640, 11},       {640, 690, 12},

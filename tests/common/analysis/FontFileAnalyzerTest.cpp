@@ -13,6 +13,7 @@
 
 #include "base/Environment.h"
 #include "base/Locale.h"
+#include "base/TextConversion.h"
 #include "common/font_info/FontInfo.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestFonts.h"
@@ -228,7 +229,7 @@ TEST(ConvertU2ToUtf8, EncodesUnitByUnit) {
       {std::u16string{0xDE00, 0xD83D}, "\xED\xB8\x80\xED\xA0\xBD"},
   };
   for (const auto& c : cases) {
-    std::basic_string<unsigned short> units(c.first.begin(), c.first.end());
+    qro_base::u16string units(c.first.begin(), c.first.end());
     char out[64];
     EXPECT_EQ(FontFileAnalyzer::ConvertU2ToUtf8(out, units.c_str()), out);
     EXPECT_EQ(std::string(out), c.second);
