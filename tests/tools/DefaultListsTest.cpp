@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
+#include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -87,6 +90,71 @@ TEST(DefaultLists, FreeDebianFontsFallBackSensibly) {
   environment.SetUILocale(qro_base::Locale("ko", "KR"));
   expectRoads(dir.file("korean/"), dir.path() + "/", roads, "NanumGothic");
   environment.SetUILocale(previous);
+}
+
+// The lists of data/android/ with Android's own fonts: every name a list
+// uses (all but the fonts documents ask for, the first of a chain) is a
+// packed family, every default group and script range finds a font, and
+// the fonts documents ask for reach the Android family of their kind.
+TEST(DefaultLists, AndroidListsNameAndroidFonts) {
+  const char* corpus = std::getenv("KELFONT_ANDROID_FONTS");
+  if (corpus == nullptr || *corpus == '\0') {
+    GTEST_SKIP() << "needs the Android font corpus: KELFONT_ANDROID_FONTS=DIR after "
+                    "scripts/android-fonts.sh DIR";
+  }
+  const std::string lists = std::string(KELFONT_DATA_DIR) + "/android";
+  TempDir dir;
+  std::string err;
+  ASSERT_EQ(kelfont_test::runTool({"pack", "--verbose", "--lists", lists, "-o",
+                                   dir.file("qrfont.zip"), "--fonts", corpus},
+                                  nullptr, &err),
+            0)
+      << err;
+  std::set<std::string> requested;  // the first name of every chain block
+  std::istringstream chains(kelfont_test::readFile(lists + "/fc"));
+  bool blockStart = true;
+  for (std::string line; std::getline(chains, line);) {
+    if (line.empty()) {
+      blockStart = true;
+    } else if (line[0] != '#') {
+      if (blockStart) requested.insert(line);
+      blockStart = false;
+    }
+  }
+  const std::string note = "kelfont pack: note: not among the packed fonts: fc: ";
+  std::istringstream lines(err);
+  for (std::string line; std::getline(lines, line);) {
+    ASSERT_EQ(line.compare(0, note.size(), note), 0) << line;  // no warning, only fc
+    EXPECT_EQ(requested.count(line.substr(note.size())), 1u) << line;
+  }
+
+  const std::string storage = dir.file("storage/");
+  qro_ni::DefaultFontInfoFileExtracter extracter(storage, dir.path() + "/");
+  kelfont_tool::ToolFontManager manager(&extracter, storage, {corpus});
+  manager.Initialize();
+  const char* defaults[] = {"Roboto", "Noto Sans", "Noto Sans CJK KR", "Noto Sans Arabic",
+                            "Noto Sans CJK KR"};
+  for (int n = 0; n < 5; ++n) EXPECT_EQ(manager.GetFontName(manager.GetDefaultFontIndex(n)), defaults[n]);
+  const std::vector<int>& scripts = manager.GetScriptDefaultFontList();
+  ASSERT_EQ(scripts.size(), 128u);
+  for (int range = 0; range < 128; ++range) EXPECT_GE(scripts[range], 0) << range;
+  const Fallback roads[] = {
+      {"Arial", 'A', "Roboto"},
+      {"Times New Roman", 'a', "Noto Serif"},
+      {"Courier New", 'A', "Noto Sans Mono CJK KR"},
+      {"\xEB\xA7\x91\xEC\x9D\x80 \xEA\xB3\xA0\xEB\x94\x95", 0xAC00, "Noto Sans CJK KR"},  // 맑은 고딕
+      {"Roboto", 0xAC00, "Noto Sans CJK KR"},
+      {"MS Mincho", 0x3042, "Noto Serif CJK JP"},
+      {"PMingLiU", 0x6F22, "Noto Serif CJK TC"},
+      {"Roboto", 0x05D0, "Noto Sans Hebrew"},  // a script default font
+  };
+  for (const Fallback& road : roads) {
+    int font = manager.GetFontIndex(road.font);
+    unsigned code = road.code;
+    ASSERT_GE(font, 0) << road.font;
+    manager.ConfirmVisibleChar(font, code, false, false);
+    EXPECT_EQ(manager.GetFontName(font), road.shownBy) << road.font << " " << road.code;
+  }
 }
 
 }  // namespace
