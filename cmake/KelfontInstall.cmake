@@ -68,3 +68,5 @@ install(FILES ${PROJECT_BINARY_DIR}/kelfont.pc DESTINATION ${CMAKE_INSTALL_LIBDI
 install(FILES ${PROJECT_SOURCE_DIR}/data/fc ${PROJECT_SOURCE_DIR}/data/df
               ${PROJECT_SOURCE_DIR}/data/sf ${PROJECT_SOURCE_DIR}/data/sf_ko-KR
         DESTINATION ${CMAKE_INSTALL_DATADIR}/kelfont)
+# ... and for Android's font set: `--lists <prefix>/share/kelfont/android`.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/data/android DESTINATION ${CMAKE_INSTALL_DATADIR}/kelfont)
