@@ -156,8 +156,9 @@ class PairShaper {
 
 class KerningTable {
  public:
-  KerningTable(hb_face_t* face, hb_font_t* font, unsigned first, int count)
+  KerningTable(hb_face_t* face, hb_font_t* font, unsigned first, int count, bool groupUnnamed)
       : face_(face),
+        groupUnnamed_(groupUnnamed),
         shaper_(font, first),
         count_(count),
         values_(static_cast<std::size_t>(count) * static_cast<std::size_t>(count), 0) {}
@@ -226,15 +227,70 @@ class KerningTable {
   }
 
   bool ReadCircuit(const std::vector<int>& chars, hb_script_t script) {
-    const std::vector<int> circuit = pairCircuit(chars);
-    if (!shaper_.Shape(circuit, propertiesFor(script))) return false;
+    const hb_segment_properties_t props = propertiesFor(script);
+    // Each character's glyph shaped alone with these same properties (a
+    // neutral character alone has none of the script's): a glyph that
+    // differs in the text was substituted in context.
+    std::vector<unsigned> glyphs(aloneGlyph_);
+    for (int c : chars) {
+      if ((isNeutral(scripts_[c]) ? HB_SCRIPT_INVALID : scripts_[c]) == script) continue;
+      if (!shaper_.Shape({c}, props)) return false;
+      glyphs[c] = shaper_.Glyph(0);
+    }
+    std::vector<int> standIn(count_);
+    const std::vector<int> nodes = Representatives(chars, glyphs, props, standIn);
+    const std::vector<int> circuit = pairCircuit(nodes);
+    if (!shaper_.Shape(circuit, props)) return false;
     for (std::size_t i = 0; i < circuit.size(); ++i) {
-      if (shaper_.Glyph(i) != aloneGlyph_[circuit[i]]) return false;
+      if (shaper_.Glyph(i) != glyphs[circuit[i]]) return false;
     }
     for (std::size_t i = 0; i + 1 < circuit.size(); ++i) {
       At(circuit[i], circuit[i + 1]) = shaper_.Advance(i) - alone_[circuit[i]];
     }
+    for (int left : chars) {
+      for (int right : chars) At(left, right) = At(standIn[left], standIn[right]);
+    }
     return true;
+  }
+
+  // The characters to shape in place of `chars`. A glyph that no lookup of
+  // the plan names, neither as input nor as context, kerns nothing as the
+  // first of a pair, and is treated as the second of a pair like every
+  // other such glyph of its GDEF class (which decides what a lookup
+  // skips): one character stands in for those of its class. Marks, and
+  // faces whose kerning may come from elsewhere (`kern`, `kerx`, `morx`),
+  // keep every character. standIn[c] is the character whose values c
+  // takes (c itself when shaped).
+  std::vector<int> Representatives(const std::vector<int>& chars,
+                                   const std::vector<unsigned>& glyphs,
+                                   const hb_segment_properties_t& props,
+                                   std::vector<int>& standIn) {
+    for (int c : chars) standIn[c] = c;
+    if (!groupUnnamed_) return chars;
+    HbPtr<hb_set_t> named(hb_set_create());
+    for (hb_tag_t table : {HB_OT_TAG_GSUB, HB_OT_TAG_GPOS}) {
+      HbPtr<hb_set_t> lookups = planLookups(face_, props, table);
+      for (hb_codepoint_t lookup = HB_SET_VALUE_INVALID; hb_set_next(lookups.get(), &lookup);) {
+        hb_ot_layout_lookup_collect_glyphs(face_, table, lookup, named.get(), named.get(),
+                                           named.get(), named.get());
+      }
+    }
+    if (!hb_set_allocation_successful(named.get())) return chars;
+    std::vector<int> nodes;
+    int classFirst[5] = {-1, -1, -1, -1, -1};
+    for (int c : chars) {
+      const unsigned glyphClass = hb_ot_layout_get_glyph_class(face_, glyphs[c]);
+      if (hb_set_has(named.get(), glyphs[c]) || glyphClass == HB_OT_LAYOUT_GLYPH_CLASS_MARK ||
+          glyphClass > 4) {
+        nodes.push_back(c);
+      } else if (classFirst[glyphClass] < 0) {
+        classFirst[glyphClass] = c;
+        nodes.push_back(c);
+      } else {
+        standIn[c] = classFirst[glyphClass];
+      }
+    }
+    return nodes;
   }
 
   // The reference itself: each pair shaped on its own.
@@ -251,6 +307,7 @@ class KerningTable {
   }
 
   hb_face_t* face_;
+  bool groupUnnamed_;
   PairShaper shaper_;
   int count_;
   std::vector<int> values_;
@@ -282,7 +339,10 @@ int registerGposKerning(FT_Face face, unsigned first, int count, KerningInfo& ke
   const int upem = static_cast<int>(hb_face_get_upem(hbFace.get()));
   hb_font_set_scale(font.get(), upem, upem);
 
-  KerningTable table(hbFace.get(), font.get(), first, count);
+  const bool otherKerning = hasTable(face, TTAG_kern) ||
+                            hasTable(face, HB_TAG('k', 'e', 'r', 'x')) ||
+                            hasTable(face, HB_TAG('m', 'o', 'r', 'x'));
+  KerningTable table(hbFace.get(), font.get(), first, count, hasGpos && !otherKerning);
   if (!table.Compute()) return 0;
   int registered = 0;
   for (int left = 0; left < count; ++left) {
