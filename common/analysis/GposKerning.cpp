@@ -92,6 +92,7 @@ HbPtr<hb_set_t> planLookups(hb_face_t* face, const hb_segment_properties_t& prop
 // loops, n * n + 1 entries long.
 std::vector<int> pairCircuit(const std::vector<int>& nodes) {
   const std::size_t n = nodes.size();
+  if (n == 0) return {};
   std::vector<std::size_t> next(n, 0), stack{0};
   std::vector<int> circuit;
   circuit.reserve(n * n + 1);
