@@ -26,8 +26,8 @@ class Sig;
 // only. Use: Open(path, face), Analyze() for the names, flags and global
 // metrics, ApplyDefaultFontInfo() and AnalyzeData() as needed, Close().
 // One analyzer owns one FreeType library and serves one thread at a time.
-// Nothing is logged; a file that FreeType cannot read, or a face without an
-// OS/2 table, makes Open() fail.
+// Nothing is logged but a damaged GPOS table; a file that FreeType cannot
+// read, or a face without an OS/2 table, makes Open() fail.
 class FontFileAnalyzer : public qro_base::NonCopyable {
  public:
   // Size of each of the two working buffers of name conversion, in bytes;
