@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   cmake g++ make pkg-config
   libgtest-dev libgmock-dev libbenchmark-dev
-  libfreetype-dev zlib1g-dev libminizip-dev libzzip-dev
+  libfreetype-dev zlib1g-dev libminizip-dev libzzip-dev libharfbuzz-dev
   clang-14 libclang-rt-14-dev
   clang libc++-dev libc++abi-dev googletest
   python3-fonttools unicode-data
@@ -14,7 +14,7 @@ packages=(
   default-jdk-headless
 )
 if [ "${KELFONT_WITH_PEERS:-1}" = 1 ]; then
-  packages+=(libharfbuzz-dev libfontconfig-dev fontconfig)
+  packages+=(libfontconfig-dev fontconfig)
 fi
 
 missing=()
