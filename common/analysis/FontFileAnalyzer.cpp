@@ -13,6 +13,7 @@
 #include "base/FileInputStream.h"
 #include "common/analysis/FontFileStream.h"
 #include "common/analysis/FontUtils.h"
+#include "common/analysis/LoadedAdvances.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/DefaultFontInfo.h"
 #include "common/font_info/FontInfo.h"
@@ -312,6 +313,11 @@ bool FontFileAnalyzer::PrepareMetricsAdvances() {
     metricsAdvances_.clear();
     return false;
   }
+  std::vector<std::uint8_t> wanted(metricsAdvances_.size(), 0);
+  for (const MappedChar& mapped : mapped_) {
+    if (mapped.glyph < wanted.size()) wanted[mapped.glyph] = 1;
+  }
+  LoadedAdvances::Apply(face_, wanted, metricsAdvances_);
   return true;
 }
 
@@ -319,8 +325,10 @@ bool FontFileAnalyzer::LoadAdvance(FT_UInt glyph, unsigned short* advance) {
   if (!metricsAdvances_.empty()) {
     // A glyph index beyond the face's glyphs would not load either.
     if (glyph >= metricsAdvances_.size()) return false;
-    *advance = static_cast<unsigned short>(metricsAdvances_[glyph] & 0xFFFF);
-    return true;
+    if (metricsAdvances_[glyph] != LoadedAdvances::kLoad) {
+      *advance = static_cast<unsigned short>(metricsAdvances_[glyph] & 0xFFFF);
+      return true;
+    }
   }
   if (FT_Load_Glyph(face_, glyph, FT_LOAD_NO_SCALE) != 0) return false;
   *advance = static_cast<unsigned short>(face_->glyph->metrics.horiAdvance & 0xFFFF);

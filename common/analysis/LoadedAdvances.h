@@ -1,0 +1,33 @@
+#pragma once
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+
+#include <cstdint>
+#include <vector>
+
+namespace qro_common {
+
+// Turns the horizontal metrics of a face (one FT_Get_Advances call, unscaled)
+// into what loading each glyph unscaled gives, without loading the glyphs
+// where the font's own tables settle it:
+// - a TrueType composite with a component flagged USE_MY_METRICS advances
+//   by that component (the last one so flagged), whatever its own entry;
+// - a glyph whose data FreeType would refuse has no advance.
+// The glyph data is read once, in glyph order, in pieces of at most
+// kChunkSize bytes. Every glyph it cannot vouch for (a damaged entry, a
+// structure it does not follow, deep nesting, a face without TrueType or
+// CFF outlines) is left for the caller to load: its advance becomes kLoad.
+class LoadedAdvances {
+ public:
+  static constexpr FT_Fixed kLoad = -1;
+  static constexpr unsigned long kChunkSize = 64u << 10;
+
+  // `advances` holds every glyph's advance from the metrics; `wanted[g]`
+  // is non-zero for the glyphs whose advance is needed (the same size).
+  // Only those entries change.
+  static void Apply(FT_Face face, const std::vector<std::uint8_t>& wanted,
+                    std::vector<FT_Fixed>& advances);
+};
+
+}  // namespace qro_common
