@@ -133,7 +133,7 @@ bool FontFileAnalyzer::Open(const char* path, int faceIndex) {
   }
   FT_Face face = nullptr;
   if (FontFileStream::OpenFace(library_, path, faceIndex, &face,
-                               FontFileStream::Mode::kWholeFile) != 0) {
+                               FontFileStream::Mode::kOnDemand) != 0) {
     return false;
   }
   faceCount_ = static_cast<unsigned char>(face->num_faces);
