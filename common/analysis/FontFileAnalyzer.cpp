@@ -308,7 +308,8 @@ bool FontFileAnalyzer::PrepareMetricsAdvances() {
     return false;
   }
   metricsAdvances_.resize(static_cast<std::size_t>(face_->num_glyphs));
-  if (FT_Get_Advances(face_, 0, static_cast<FT_UInt>(face_->num_glyphs), FT_LOAD_NO_SCALE,
+  if (!LoadedAdvances::ReadMetrics(face_, metricsAdvances_) &&
+      FT_Get_Advances(face_, 0, static_cast<FT_UInt>(face_->num_glyphs), FT_LOAD_NO_SCALE,
                       metricsAdvances_.data()) != 0) {
     metricsAdvances_.clear();
     return false;

@@ -284,6 +284,30 @@ void askAll(const std::vector<std::uint8_t>& wanted, std::vector<FT_Fixed>& adva
 
 }  // namespace
 
+bool LoadedAdvances::ReadMetrics(FT_Face face, std::vector<FT_Fixed>& advances) {
+  FT_ULong length = 0;
+  const auto* hhea = static_cast<const TT_HoriHeader*>(FT_Get_Sfnt_Table(face, FT_SFNT_HHEA));
+  if (!FT_IS_SFNT(face) || hhea == nullptr || !tableLength(face, TTAG_hmtx, &length)) return false;
+  const FT_ULong longCount = hhea->number_Of_HMetrics;
+  // Only the long entries hold advances.
+  length = std::min(length, longCount * 4);
+  std::vector<FT_Byte> table(length);
+  if (length > 0 && FT_Load_Sfnt_Table(face, TTAG_hmtx, 0, table.data(), &length) != 0) {
+    return false;
+  }
+  // The advance of entry i, 0 when the table does not hold it.
+  auto entry = [&table](FT_ULong i) -> FT_Fixed {
+    return i * 4 + 4 <= table.size() ? static_cast<FT_Fixed>(u16(table.data() + i * 4)) : 0;
+  };
+  const FT_Fixed last = longCount > 0 && (longCount - 1) * 4 + 2 <= table.size()
+                            ? static_cast<FT_Fixed>(u16(table.data() + (longCount - 1) * 4))
+                            : 0;
+  for (std::size_t g = 0; g < advances.size(); ++g) {
+    advances[g] = g < longCount ? entry(g) : last;
+  }
+  return true;
+}
+
 void LoadedAdvances::Apply(FT_Face face, const std::vector<std::uint8_t>& wanted,
                            std::vector<FT_Fixed>& advances) {
   if (face == nullptr || wanted.size() != advances.size()) return;

@@ -23,6 +23,12 @@ class LoadedAdvances {
   static constexpr FT_Fixed kLoad = -1;
   static constexpr unsigned long kChunkSize = 64u << 10;
 
+  // Fills `advances` (one per glyph of the face) from the face's `hmtx`
+  // read in one piece, as FreeType reads them one by one: a glyph past the
+  // long entries takes the last one's advance, an entry beyond the table
+  // gives 0. False (nothing usable) without `hhea` or `hmtx`.
+  static bool ReadMetrics(FT_Face face, std::vector<FT_Fixed>& advances);
+
   // `advances` holds every glyph's advance from the metrics; `wanted[g]`
   // is non-zero for the glyphs whose advance is needed (the same size).
   // Only those entries change.
