@@ -83,8 +83,8 @@ void registerFaceLoadBenchmarks() {
   benchmark::RegisterBenchmark("FaceLoad/freetype_open_mapped_advances", freetypeOpen,
                                cjkFontPath(), 0, true)
       ->Unit(benchmark::kMicrosecond);
-  benchmark::RegisterBenchmark("FaceLoad/freetype_open_glyph_advances", freetypeOpen,
-                               cjkFontPath(), 0, false)
+  benchmark::RegisterBenchmark("FaceLoad/freetype_open_glyph_advances", freetypeOpen, cjkFontPath(),
+                               0, false)
       ->Unit(benchmark::kMicrosecond);
   if (androidFontFolders().empty()) return;
   const std::string folder = androidFontFolders()[0] + "/";
@@ -93,9 +93,9 @@ void registerFaceLoadBenchmarks() {
     const char* name;
     const char* file;
   };
-  for (const Face& face : {Face{"noto_sans_cjk_jp", "Noto Sans CJK JP", "NotoSansCJK-Regular.ttc"},
-                           Face{"droid_sans_fallback", "Droid Sans Fallback",
-                                "DroidSansFallbackFull.ttf"}}) {
+  for (const Face& face :
+       {Face{"noto_sans_cjk_jp", "Noto Sans CJK JP", "NotoSansCJK-Regular.ttc"},
+        Face{"droid_sans_fallback", "Droid Sans Fallback", "DroidSansFallbackFull.ttf"}}) {
     const std::string label = face.label;
     benchmark::RegisterBenchmark(("Android/FaceLoad/kelfont_read_data/" + label).c_str(),
                                  kelfontReadData, androidWarmStorage, std::string(face.name))

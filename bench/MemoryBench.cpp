@@ -7,8 +7,8 @@
 // first start, each in a child of its own, beside fc-cache's peak.
 
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 #include <dirent.h>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 

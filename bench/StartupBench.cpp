@@ -73,8 +73,7 @@ void fcCacheColdStart(benchmark::State& state, Folders folders) {
   }
 }
 
-void kelfontWarmStart(benchmark::State& state, Folders folders,
-                      const std::string& (*storage)()) {
+void kelfontWarmStart(benchmark::State& state, Folders folders, const std::string& (*storage)()) {
   for (auto _ : state) state.SetIterationTime(timedStart(storage(), folders()));
 }
 

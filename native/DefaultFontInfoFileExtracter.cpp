@@ -6,8 +6,8 @@
 #include <new>
 #include <string>
 
-#include "base/Environment.h"
 #include "base/AtomicFileOutputStream.h"
+#include "base/Environment.h"
 #include "base/ZipEntryInputStream.h"
 #include "base/ZipFile.h"
 #include "common/registry/DataFileNames.h"

@@ -132,8 +132,7 @@ bool FontFileAnalyzer::Open(const char* path, int faceIndex) {
     file.Close();
   }
   FT_Face face = nullptr;
-  if (FontFileStream::OpenFace(library_, path, faceIndex, &face,
-                               FontFileStream::Mode::kOnDemand) != 0) {
+  if (FontFileStream::OpenFace(library_, path, faceIndex, &face) != 0) {
     return false;
   }
   faceCount_ = static_cast<unsigned char>(face->num_faces);

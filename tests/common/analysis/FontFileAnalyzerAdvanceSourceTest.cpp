@@ -85,9 +85,9 @@ TEST(FontFileAnalyzerAdvanceSourceTest, MetricsAndLoadedGlyphsGiveIdenticalDataF
   // DejaVu, Liberation and Nanum are installed by scripts/install-deps.sh;
   // the generated fonts hold the composites and broken glyphs real fonts
   // rarely have.
-  EXPECT_GE(compareFaces({"/usr/share/fonts/truetype/dejavu", "/usr/share/fonts/truetype/liberation",
-                          "/usr/share/fonts/truetype/nanum", "/usr/share/fonts/opentype/noto",
-                          KELFONT_TEST_FONT_DIR "/metrics"}),
+  EXPECT_GE(compareFaces({"/usr/share/fonts/truetype/dejavu",
+                          "/usr/share/fonts/truetype/liberation", "/usr/share/fonts/truetype/nanum",
+                          "/usr/share/fonts/opentype/noto", KELFONT_TEST_FONT_DIR "/metrics"}),
             40);
 }
 
