@@ -1,6 +1,7 @@
 #include "base/AtomicFileOutputStream.h"
 
 #include <fcntl.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -12,6 +13,10 @@
 
 namespace qro_base {
 namespace {
+
+// syncfs(2) through its system call number: older C libraries (Android
+// before API level 28) do not declare it.
+int syncFileSystem(int fd) { return static_cast<int>(syscall(SYS_syncfs, fd)); }
 
 int openDirectoryOf(const std::string& path) {
   std::string::size_type slash = path.rfind('/');
@@ -73,8 +78,9 @@ bool AtomicFileOutputStream::Commit() {
   // and the folder's sync after it. Some file systems refuse to sync a
   // folder; that is not a failure of the write.
   const int folder = durability_ == Durability::kDeferred ? -1 : openDirectoryOf(path_);
-  if (!failed_ && durability_ == Durability::kFileSystem && (folder < 0 || syncfs(folder) != 0)) {
-    sync();  // a system without syncfs: every file system, then
+  if (!failed_ && durability_ == Durability::kFileSystem &&
+      (folder < 0 || syncFileSystem(folder) != 0)) {
+    sync();  // a kernel without syncfs: every file system, then
   }
   if (failed_) {
     if (folder >= 0) close(folder);

@@ -5,12 +5,15 @@
 #include FT_TRUETYPE_IDS_H
 #include FT_TRUETYPE_TAGS_H
 
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <atomic>
+#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 
-#include "base/FileInputStream.h"
 #include "common/analysis/FontFileStream.h"
 #include "common/analysis/FontUtils.h"
 #include "common/analysis/LoadedAdvances.h"
@@ -126,11 +129,10 @@ bool FontFileAnalyzer::Open(const char* path, int faceIndex) {
   gOpenCount.fetch_add(1);
   Close();
   if (!libraryReady_ || path == nullptr || faceIndex < 0) return false;
-  {
-    qro_base::FileInputStream file(path);
-    fileSize_ = static_cast<int>(file.Available());
-    file.Close();
-  }
+  struct stat status;
+  fileSize_ = stat(path, &status) == 0 && S_ISREG(status.st_mode)
+                  ? static_cast<int>(std::min<off_t>(status.st_size, INT_MAX))
+                  : 0;
   FT_Face face = nullptr;
   if (FontFileStream::OpenFace(library_, path, faceIndex, &face) != 0) {
     return false;

@@ -1,9 +1,11 @@
 #include "common/analysis/LoadedAdvances.h"
 
+#include FT_FONT_FORMATS_H
 #include FT_TRUETYPE_TABLES_H
 #include FT_TRUETYPE_TAGS_H
 
 #include <algorithm>
+#include <cstring>
 
 namespace qro_common {
 namespace {
@@ -312,6 +314,13 @@ void LoadedAdvances::Apply(FT_Face face, const std::vector<std::uint8_t>& wanted
                            std::vector<FT_Fixed>& advances) {
   if (face == nullptr || wanted.size() != advances.size()) return;
   FT_ULong length = 0;
+  if (FT_IS_SFNT(face) && !FT_IS_SCALABLE(face) &&
+      std::strcmp(FT_Get_Font_Format(face), "TrueType") == 0) {
+    // A face of bitmaps only (color emoji): unscaled, every glyph loads as
+    // an empty one with its metrics' advance, provided there are metrics.
+    if (!tableLength(face, TTAG_hmtx, &length) || length == 0) askAll(wanted, advances);
+    return;
+  }
   if (FT_IS_SFNT(face) && !tableLength(face, TTAG_glyf, &length)) {
     // CFF outlines have no composites and take their advances from the
     // metrics; what remains is a table the file does not hold to its end.

@@ -8,16 +8,19 @@
 
 namespace qro_common {
 
-// Turns the horizontal metrics of a face (one FT_Get_Advances call, unscaled)
-// into what loading each glyph unscaled gives, without loading the glyphs
-// where the font's own tables settle it:
+// Turns the horizontal metrics of a face (unscaled) into what loading each
+// glyph unscaled gives, loading only the glyphs whose outcome the font's
+// own tables do not settle:
 // - a TrueType composite with a component flagged USE_MY_METRICS advances
 //   by that component (the last one so flagged), whatever its own entry;
-// - a glyph whose data FreeType would refuse has no advance.
-// The glyph data is read once, in glyph order, in pieces of at most
-// kChunkSize bytes. Every glyph it cannot vouch for (a damaged entry, a
-// structure it does not follow, deep nesting, a face without TrueType or
-// CFF outlines) is left for the caller to load: its advance becomes kLoad.
+// - every other glyph that loads advances by its entry, and the glyph data
+//   tells which ones load: a glyph it cannot vouch for (an entry out of
+//   bounds, data that runs past its end, a structure not followed here such
+//   as deep nesting or components placed by points, a file that ends early)
+//   is left for the caller to load, and dropped if that fails.
+// TrueType glyph data is read once, in glyph order, in pieces of at most
+// kChunkSize bytes. CFF glyphs take their advances from the metrics; a face
+// of bitmaps only loads empty glyphs with the metrics' advances.
 class LoadedAdvances {
  public:
   static constexpr FT_Fixed kLoad = -1;
