@@ -262,6 +262,8 @@ def main():
     w("## How to reproduce")
     w("")
     w("    bash scripts/bench.sh          # KELFONT_BENCH_REPETITIONS=N (default 5)")
+    w("    bash scripts/android-fonts.sh /tmp/android-fonts")
+    w("    KELFONT_ANDROID_FONTS=/tmp/android-fonts bash scripts/bench.sh   # with the rows of 7")
     w("")
     w("It installs what is missing, builds `build-bench/` (Release), runs")
     w("`build-bench/bench/kelfont_bench` twice (everything with scratch folders in memory, then")
