@@ -5,6 +5,7 @@
 #include FT_TRUETYPE_TAGS_H
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace qro_common {
@@ -24,10 +25,26 @@ constexpr unsigned kUseMyMetrics = 0x0200;
 // of composites, bytes of one glyph.
 constexpr unsigned kMaxPoints = 30000;
 constexpr unsigned kMaxComponents = 512;
-constexpr int kMaxDepth = 2;
+constexpr int kMaxDepth = 4;
 constexpr unsigned long kMaxGlyphSize = 1u << 20;
 // Rounds of reading the components found in the previous round.
 constexpr int kMaxRounds = 4;
+
+// Point flags of a simple glyph: the flag repeats, and the bits that tell
+// the size of the point's coordinates (short x, short y, x same or
+// positive, y same or positive).
+constexpr unsigned kRepeat = 0x08;
+constexpr unsigned kCoordinateBits = 0x36;
+// Bytes of a point's two coordinates, by its flag's coordinate bits.
+constexpr std::array<std::uint8_t, 64> kCoordinateBytes = [] {
+  std::array<std::uint8_t, 64> bytes{};
+  for (unsigned flag = 0; flag < 64; ++flag) {
+    const unsigned x = (flag & 2) != 0 ? 1 : (flag & 16) != 0 ? 0 : 2;
+    const unsigned y = (flag & 4) != 0 ? 1 : (flag & 32) != 0 ? 0 : 2;
+    bytes[flag] = static_cast<std::uint8_t>(x + y);
+  }
+  return bytes;
+}();
 
 constexpr std::int32_t kAsk = -1;
 constexpr std::int32_t kUnresolved = -2;
@@ -73,24 +90,29 @@ class Checker {
   }
 
   // Reads the glyphs in `pending` (ascending), then the components they
-  // name, round after round.
+  // name (ascending again), round after round.
   void Examine(std::vector<FT_UInt>& pending) {
-    std::vector<FT_UInt> next;
     for (int round = 0; round < kMaxRounds && !pending.empty(); ++round) {
-      next.clear();
+      bool queued = false;
       for (FT_UInt glyph : pending) {
         if (state_[glyph] != kUnseen) continue;
         ExamineGlyph(glyph);
         if (state_[glyph] != kComposite) continue;
         const Composite& composite = composites_[static_cast<std::size_t>(compositeOf_[glyph])];
         for (unsigned i = 0; i < composite.count; ++i) {
-          const FT_UInt component = components_[composite.first + i];
-          if (state_[component] == kUnseen) next.push_back(component);
+          std::uint8_t& state = state_[components_[composite.first + i]];
+          if (state == kUnseen) {
+            state = kQueued;
+            queued = true;
+          }
         }
       }
-      std::sort(next.begin(), next.end());
-      next.erase(std::unique(next.begin(), next.end()), next.end());
-      pending.swap(next);
+      pending.clear();
+      for (FT_UInt glyph = 0; queued && glyph < glyphCount_; ++glyph) {
+        if (state_[glyph] != kQueued) continue;
+        state_[glyph] = kUnseen;
+        pending.push_back(glyph);
+      }
     }
   }
 
@@ -130,7 +152,8 @@ class Checker {
   }
 
  private:
-  enum State : std::uint8_t { kUnseen, kSimple, kComposite, kUnknown };
+  // kQueued: a component waiting for the next round.
+  enum State : std::uint8_t { kUnseen, kQueued, kSimple, kComposite, kUnknown };
   struct Composite {
     std::size_t first;
     unsigned count;
@@ -209,15 +232,15 @@ class Checker {
     for (unsigned point = 0; point < points;) {
       if (at >= size) return;
       const unsigned flag = p[at++];
-      unsigned count = 1;
-      if ((flag & 8) != 0) {
-        if (at >= size) return;
-        count += p[at++];
-        if (point + count > points) return;
+      if ((flag & kRepeat) == 0) {
+        coordinateBytes += kCoordinateBytes[flag & kCoordinateBits];
+        ++point;
+        continue;
       }
-      const unsigned x = (flag & 2) != 0 ? 1 : (flag & 16) != 0 ? 0 : 2;
-      const unsigned y = (flag & 4) != 0 ? 1 : (flag & 32) != 0 ? 0 : 2;
-      coordinateBytes += static_cast<FT_ULong>(x + y) * count;
+      if (at >= size) return;
+      const unsigned count = 1u + p[at++];
+      if (point + count > points) return;
+      coordinateBytes += static_cast<FT_ULong>(kCoordinateBytes[flag & kCoordinateBits]) * count;
       point += count;
     }
     if (coordinateBytes > size - at) return;
@@ -291,6 +314,8 @@ bool LoadedAdvances::ReadMetrics(FT_Face face, std::vector<FT_Fixed>& advances) 
   const auto* hhea = static_cast<const TT_HoriHeader*>(FT_Get_Sfnt_Table(face, FT_SFNT_HHEA));
   if (!FT_IS_SFNT(face) || hhea == nullptr || !tableLength(face, TTAG_hmtx, &length)) return false;
   const FT_ULong longCount = hhea->number_Of_HMetrics;
+  // Without long entries a CFF face takes its glyphs' own widths.
+  if (longCount == 0) return false;
   // Only the long entries hold advances.
   length = std::min(length, longCount * 4);
   std::vector<FT_Byte> table(length);
@@ -301,7 +326,7 @@ bool LoadedAdvances::ReadMetrics(FT_Face face, std::vector<FT_Fixed>& advances) 
   auto entry = [&table](FT_ULong i) -> FT_Fixed {
     return i * 4 + 4 <= table.size() ? static_cast<FT_Fixed>(u16(table.data() + i * 4)) : 0;
   };
-  const FT_Fixed last = longCount > 0 && (longCount - 1) * 4 + 2 <= table.size()
+  const FT_Fixed last = (longCount - 1) * 4 + 2 <= table.size()
                             ? static_cast<FT_Fixed>(u16(table.data() + (longCount - 1) * 4))
                             : 0;
   for (std::size_t g = 0; g < advances.size(); ++g) {

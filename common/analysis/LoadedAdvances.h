@@ -29,7 +29,7 @@ class LoadedAdvances {
   // Fills `advances` (one per glyph of the face) from the face's `hmtx`
   // read in one piece, as FreeType reads them one by one: a glyph past the
   // long entries takes the last one's advance, an entry beyond the table
-  // gives 0. False (nothing usable) without `hhea` or `hmtx`.
+  // gives 0. False (nothing usable) without `hhea`, `hmtx` or long entries.
   static bool ReadMetrics(FT_Face face, std::vector<FT_Fixed>& advances);
 
   // `advances` holds every glyph's advance from the metrics; `wanted[g]`
