@@ -211,7 +211,7 @@ def main():
     w("Scratch folders (storage, fontconfig's cache) live on a memory file system for the")
     w("main run, so that the start-ups measure the libraries rather than the disk's handling")
     w("of new files; the start-ups are run a second time with them on disk. A first start")
-    w("writes one data file per face (50 here) where fc-cache writes one cache file per")
+    w("writes one data file per face (about 90 here) where fc-cache writes one cache file per")
     w("folder, so on disk the file system's cost of creating files weighs on libkelfont more.")
     w("")
     w("## What makes these numbers")
