@@ -1,6 +1,7 @@
 #include "base/AtomicFileOutputStream.h"
 
 #include <fcntl.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -13,15 +14,14 @@
 namespace qro_base {
 namespace {
 
-// Makes a rename inside `path`'s directory durable. Some file systems
-// refuse to sync a directory; that is not a failure of the write.
-void syncDirectoryOf(const std::string& path) {
+// syncfs(2) through its system call number: older C libraries (Android
+// before API level 28) do not declare it.
+int syncFileSystem(int fd) { return static_cast<int>(syscall(SYS_syncfs, fd)); }
+
+int openDirectoryOf(const std::string& path) {
   std::string::size_type slash = path.rfind('/');
   std::string directory = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-  int fd = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (fd < 0) return;
-  fsync(fd);
-  close(fd);
+  return open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
 }  // namespace
@@ -32,12 +32,16 @@ std::string AtomicFileOutputStream::TemporaryPathFor(const std::string& path) {
          std::to_string(counter.fetch_add(1, std::memory_order_relaxed));
 }
 
-AtomicFileOutputStream::AtomicFileOutputStream(const std::string& path)
-    : AtomicFileOutputStream(path, TemporaryPathFor(path)) {}
+AtomicFileOutputStream::AtomicFileOutputStream(const std::string& path, Durability durability)
+    : AtomicFileOutputStream(path, TemporaryPathFor(path), durability) {}
 
 AtomicFileOutputStream::AtomicFileOutputStream(const std::string& path,
-                                               const std::string& temporaryPath)
-    : FileOutputStream(temporaryPath, "w"), path_(path), temporaryPath_(temporaryPath) {
+                                               const std::string& temporaryPath,
+                                               Durability durability)
+    : FileOutputStream(temporaryPath, "w"),
+      path_(path),
+      temporaryPath_(temporaryPath),
+      durability_(durability) {
   if (!IsOpen()) Fail();
 }
 
@@ -68,15 +72,30 @@ bool AtomicFileOutputStream::Write(const char* buffer, unsigned count) {
 
 bool AtomicFileOutputStream::Commit() {
   if (finished_) return false;
-  if (!failed_ && !Sync()) Fail();
+  if (!failed_ && durability_ == Durability::kFile && !Sync()) Fail();
   if (!failed_ && !FileOutputStream::Close()) Fail();
-  if (failed_) return Abandon();
+  // The folder's descriptor serves the file-system sync before the rename
+  // and the folder's sync after it. Some file systems refuse to sync a
+  // folder; that is not a failure of the write.
+  const int folder = durability_ == Durability::kDeferred ? -1 : openDirectoryOf(path_);
+  if (!failed_ && durability_ == Durability::kFileSystem &&
+      (folder < 0 || syncFileSystem(folder) != 0)) {
+    sync();  // a kernel without syncfs: every file system, then
+  }
+  if (failed_) {
+    if (folder >= 0) close(folder);
+    return Abandon();
+  }
   if (std::rename(temporaryPath_.c_str(), path_.c_str()) != 0) {
     Fail();
+    if (folder >= 0) close(folder);
     return Abandon();
   }
   finished_ = true;
-  syncDirectoryOf(path_);
+  if (folder >= 0) {
+    fsync(folder);
+    close(folder);
+  }
   return true;
 }
 

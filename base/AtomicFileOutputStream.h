@@ -9,8 +9,9 @@ namespace qro_base {
 // Replaces a file as a whole. The bytes go to a temporary file beside the
 // target (target + ".tmp" + process id + "-" + a number unique in the
 // process, in the same directory, so that the final rename stays on one
-// file system and two writers never share a temporary file); Commit() flushes it to disk, renames it over
-// the target and syncs the directory. A reader, or the next start after a
+// file system and two writers never share a temporary file); Commit() flushes
+// it to disk, renames it over the target and syncs the directory (see
+// Durability for the other ways). A reader, or the next start after a
 // kill or a power loss, therefore finds either the whole old file or the
 // whole new one, never a torn one. Without a successful Commit() the
 // temporary file is removed and the target stays as it was.
@@ -20,7 +21,22 @@ namespace qro_base {
 // logged once, as "Cannot write <target>: <reason>", by Commit().
 class AtomicFileOutputStream : public FileOutputStream {
  public:
-  explicit AtomicFileOutputStream(const std::string& path);
+  // How Commit() makes the new file durable.
+  enum class Durability {
+    // The file is synced before the rename, its folder after.
+    kFile,
+    // Nothing is synced: the rename is atomic for readers, but after a
+    // power loss the file may be missing, old or torn until a later
+    // kFileSystem commit on the same file system has gone through.
+    kDeferred,
+    // The whole file system is synced before the rename (this file and
+    // every deferred one before it, in one call), the folder after: a
+    // commit point for a set of files.
+    kFileSystem,
+  };
+
+  explicit AtomicFileOutputStream(const std::string& path,
+                                  Durability durability = Durability::kFile);
   ~AtomicFileOutputStream() override;
 
   bool Write(char c) override;
@@ -40,11 +56,13 @@ class AtomicFileOutputStream : public FileOutputStream {
   // Drops the temporary file and logs the failure.
   bool Abandon();
 
-  AtomicFileOutputStream(const std::string& path, const std::string& temporaryPath);
+  AtomicFileOutputStream(const std::string& path, const std::string& temporaryPath,
+                         Durability durability);
   static std::string TemporaryPathFor(const std::string& path);
 
   std::string path_;
   std::string temporaryPath_;
+  Durability durability_;
   int error_ = 0;
   bool failed_ = false;
   bool finished_ = false;

@@ -102,6 +102,26 @@ const std::string& listsPackageFolder() {
   return folder;
 }
 
+const std::vector<std::string>& androidFontFolders() {
+  static const std::vector<std::string> folders = [] {
+    const char* folder = std::getenv("KELFONT_ANDROID_FONTS");
+    std::vector<std::string> found;
+    if (folder != nullptr && isFolder(folder)) found.emplace_back(folder);
+    return found;
+  }();
+  return folders;
+}
+
+const std::string& androidWarmStorage() {
+  static const std::string storage = [] {
+    std::string out = scratchFolder("android-warm-storage");
+    StartedManager manager(out, listsPackageFolder(), androidFontFolders());
+    manager.Start();
+    return out;
+  }();
+  return storage;
+}
+
 const std::string& warmStorage() {
   static const std::string storage = [] {
     std::string out = scratchFolder("warm-storage");
@@ -166,9 +186,11 @@ pid_t spawn(const std::vector<std::string>& argv, const std::vector<std::string>
   _exit(127);
 }
 
-int waitFor(pid_t pid) {
+int waitFor(pid_t pid, long* peakKib = nullptr) {
   int status = 0;
-  if (pid < 0 || waitpid(pid, &status, 0) != pid) return -1;
+  rusage usage{};
+  if (pid < 0 || wait4(pid, &status, 0, &usage) != pid) return -1;
+  if (peakKib != nullptr) *peakKib = usage.ru_maxrss;
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
@@ -178,7 +200,7 @@ int runProcess(const std::vector<std::string>& argv, const std::vector<std::stri
   return waitFor(spawn(argv, environment, -1));
 }
 
-std::string captureProcess(const std::vector<std::string>& argv) {
+std::string captureProcess(const std::vector<std::string>& argv, long* peakKib) {
   int fds[2];
   if (pipe(fds) != 0) return std::string();
   const pid_t pid = spawn(argv, {}, fds[1]);
@@ -188,7 +210,7 @@ std::string captureProcess(const std::vector<std::string>& argv) {
   ssize_t got;
   while ((got = read(fds[0], buffer, sizeof buffer)) > 0) out.append(buffer, got);
   close(fds[0]);
-  waitFor(pid);
+  waitFor(pid, peakKib);
   return out;
 }
 

@@ -17,6 +17,9 @@ void setSmokeRun(bool smoke);
 // The real font folders that exist here: DejaVu, Liberation, Nanum, and
 // Noto CJK where installed (no trailing slash).
 const std::vector<std::string>& realFontFolders();
+// The Android set: the folder named by KELFONT_ANDROID_FONTS (made by
+// scripts/android-fonts.sh) as the only font folder; empty when unset.
+const std::vector<std::string>& androidFontFolders();
 // The CJK-sized face the per-face measurements use (NanumGothic).
 const std::string& cjkFontPath();
 // Its font name in the font table.
@@ -29,6 +32,8 @@ const std::string& listsPackageFolder();
 // A cache over realFontFolders() built by one first start; built once per
 // run. The folder ends in "/".
 const std::string& warmStorage();
+// The same over androidFontFolders().
+const std::string& androidWarmStorage();
 // A folder for scratch files of this run, removed at exit.
 std::string scratchFolder(const std::string& name);
 
@@ -45,8 +50,9 @@ double childrenCpuSeconds();
 // Runs `argv` with `environment` ("NAME=value" entries) added, output
 // discarded, and waits; the exit status, or -1.
 int runProcess(const std::vector<std::string>& argv, const std::vector<std::string>& environment);
-// Runs `argv` and returns what it printed on standard output.
-std::string captureProcess(const std::vector<std::string>& argv);
+// Runs `argv` and returns what it printed on standard output; *peakKib,
+// when given, receives the child's peak resident set.
+std::string captureProcess(const std::vector<std::string>& argv, long* peakKib = nullptr);
 
 // A fontconfig configuration in `folder` that knows only `fontFolders`
 // and keeps its cache in `cacheFolder`; returns its path.

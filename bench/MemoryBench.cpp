@@ -2,11 +2,15 @@
 // resident set of a manager holding the data of 31 CJK-sized faces (a child
 // process of its own, so that nothing of the benchmark program counts),
 // beside that of the same manager with no face loaded; the difference of
-// their heaps, per face, is what a loaded face keeps.
+// their heaps, per face, is what a loaded face keeps. On the Android set
+// (KELFONT_ANDROID_FONTS): the peak resident set and the bytes read of a
+// first start, each in a child of its own, beside fc-cache's peak.
 
 #include <benchmark/benchmark.h>
+#include <dirent.h>
 #include <malloc.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -56,6 +60,7 @@ void heapPerChar(benchmark::State& state) {
 struct ChildMemory {
   long peakKiB = 0;
   long heapKiB = 0;
+  long readKiB = 0;  // what the child read through read calls (rchar)
 };
 
 ChildMemory childMemory(const std::string& storage, const std::string& fontFolder, int faces) {
@@ -64,8 +69,54 @@ ChildMemory childMemory(const std::string& storage, const std::string& fontFolde
   ChildMemory memory;
   char* end = nullptr;
   memory.peakKiB = std::strtol(out.c_str(), &end, 10);
-  memory.heapKiB = std::strtol(end, nullptr, 10);
+  memory.heapKiB = std::strtol(end, &end, 10);
+  memory.readKiB = std::strtol(end, nullptr, 10);
   return memory;
+}
+
+// Bytes read through read calls by this process so far (rchar), or -1.
+long readBytes() {
+  std::FILE* io = std::fopen("/proc/self/io", "r");
+  if (io == nullptr) return -1;
+  long bytes = -1;
+  if (std::fscanf(io, "rchar: %ld", &bytes) != 1) bytes = -1;
+  std::fclose(io);
+  return bytes;
+}
+
+long folderBytes(const std::string& folder) {
+  long total = 0;
+  if (DIR* dir = opendir(folder.c_str())) {
+    while (dirent* entry = readdir(dir)) {
+      struct stat status;
+      if (stat((folder + "/" + entry->d_name).c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
+        total += static_cast<long>(status.st_size);
+      }
+    }
+    closedir(dir);
+  }
+  return total;
+}
+
+void androidFirstStartResources(benchmark::State& state) {
+  const std::string& fonts = androidFontFolders()[0];
+  static int run = 0;
+  for (auto _ : state) {
+    const std::string storage = scratchFolder("android-resources-" + std::to_string(++run));
+    const ChildMemory first = childMemory(storage, fonts, 0);
+    const std::string cache = scratchFolder("android-fc-" + std::to_string(run));
+    const std::string file = writeFontconfigFile(cache, {fonts}, cache + "cache");
+    long fcPeak = 0;
+    captureProcess({"env", "FONTCONFIG_FILE=" + file, "fc-cache", "-f"}, &fcPeak);
+    if (first.peakKiB <= 0 || first.readKiB <= 0 || fcPeak <= 0) {
+      state.SkipWithError("the measuring child failed");
+      break;
+    }
+    state.counters["peak_rss_kib"] = static_cast<double>(first.peakKiB);
+    state.counters["fc_cache_peak_rss_kib"] = static_cast<double>(fcPeak);
+    state.counters["read_kib"] = static_cast<double>(first.readKiB);
+    state.counters["font_kib"] = static_cast<double>(folderBytes(fonts) / 1024);
+  }
 }
 
 void peakResident(benchmark::State& state) {
@@ -105,13 +156,17 @@ int runRssChild(int argc, char** argv) {
   if (faces > 0 && sum <= 0) return 1;
   rusage usage;
   getrusage(RUSAGE_SELF, &usage);
-  std::printf("%ld %ld\n", usage.ru_maxrss, heapInUse() / 1024);
+  std::printf("%ld %ld %ld\n", usage.ru_maxrss, heapInUse() / 1024, readBytes() / 1024);
   return 0;
 }
 
 void registerMemoryBenchmarks() {
   benchmark::RegisterBenchmark("Memory/kelfont_heap_per_char", heapPerChar)->Iterations(1);
   benchmark::RegisterBenchmark("Memory/kelfont_31_faces_peak_rss", peakResident)->Iterations(1);
+  if (!androidFontFolders().empty()) {
+    benchmark::RegisterBenchmark("Android/Memory/first_start_resources", androidFirstStartResources)
+        ->Iterations(1);
+  }
 }
 
 }  // namespace kelfont_bench

@@ -1,12 +1,13 @@
 #include "native/DefaultFontInfoFileExtracter.h"
 
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <new>
 #include <string>
 
-#include "base/Environment.h"
 #include "base/AtomicFileOutputStream.h"
+#include "base/Environment.h"
 #include "base/ZipEntryInputStream.h"
 #include "base/ZipFile.h"
 #include "common/registry/DataFileNames.h"
@@ -60,6 +61,21 @@ void DefaultFontInfoFileExtracter::Reload() {
   Load();
 }
 
+namespace {
+
+// Whether the file at `path` holds exactly these bytes.
+bool holdsBytes(const std::string& path, const char* bytes, unsigned size) {
+  std::FILE* file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) return false;
+  std::unique_ptr<char[]> held(new (std::nothrow) char[size + 1u]);
+  const bool same = held != nullptr && std::fread(held.get(), 1, size + 1u, file) == size &&
+                    std::memcmp(held.get(), bytes, size) == 0;
+  std::fclose(file);
+  return same;
+}
+
+}  // namespace
+
 bool DefaultFontInfoFileExtracter::Extract(const char* entryName) {
   if (zip_ == nullptr || !staysInFolder(entryName)) return false;
   const qro_base::ZipEntry* entry = zip_->GetEntry(entryName);
@@ -88,9 +104,13 @@ bool DefaultFontInfoFileExtracter::Extract(const char* entryName) {
   if (got != size) return false;
 
   std::string path = dataDirectory_ + qro_common::getFontInfoStorageName() + entryName;
-  // A failed write is detected and logged (by the stream's commit), never
-  // taken for an extracted file.
-  qro_base::AtomicFileOutputStream out(path);
+  // A start that finds the entry already in place writes nothing. Written,
+  // it is not synced: the next table a scan writes syncs it, and a torn
+  // one is extracted again. A failed write is detected and logged (by the
+  // stream's commit), never taken for an extracted file.
+  if (holdsBytes(path, buffer.get(), size)) return true;
+  qro_base::AtomicFileOutputStream out(path,
+                                       qro_base::AtomicFileOutputStream::Durability::kDeferred);
   bool written = out.Write(buffer.get(), size);
   return out.Commit() && written;
 }

@@ -4,6 +4,7 @@
 # docs/PERFORMANCE.md: medians of the repetitions and their ratios.
 #   KELFONT_BENCH_REPETITIONS=N   repetitions of each benchmark (default 5)
 #   KELFONT_JOBS=N                parallel build jobs (default 2)
+#   KELFONT_ANDROID_FONTS=DIR     also measure on the Android set (scripts/android-fonts.sh DIR)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -34,6 +35,26 @@ echo "=== start-up again, scratch on disk ($disk_tmp)"
 TMPDIR=$disk_tmp "$bench" "${common[@]}" --benchmark_filter='ColdStart|WarmStart/(kelfont|fontconfig)/' \
   --benchmark_out="$results/disk.json" >/dev/null
 
+# Sync calls of a first start on the Android set and of the warm start after
+# it (the benchmark program's start-up child, no package), and of fc-cache.
+syncs=$results/syncs.txt
+: > "$syncs"
+if [ -n "${KELFONT_ANDROID_FONTS:-}" ] && command -v strace >/dev/null 2>&1; then
+  scratch=$(mktemp -d "$memory_tmp/kelfont-syncs.XXXXXX")
+  count() { awk '$NF ~ /^(fsync|fdatasync|syncfs|sync)$/ {n += $4} END {print n + 0}' "$1"; }
+  for start in cold warm; do
+    strace -f -c -e trace=fsync,fdatasync,syncfs,sync -o "$scratch/$start.txt" \
+      "$bench" --rss-child "$scratch/storage/" "$scratch/no-package/" "$KELFONT_ANDROID_FONTS" 0 >/dev/null
+    echo "kelfont_$start $(count "$scratch/$start.txt")" >> "$syncs"
+  done
+  printf '<?xml version="1.0"?>\n<fontconfig><dir>%s</dir><cachedir>%s</cachedir></fontconfig>\n' \
+    "$KELFONT_ANDROID_FONTS" "$scratch/fc-cache" > "$scratch/fonts.conf"
+  FONTCONFIG_FILE=$scratch/fonts.conf strace -f -c -e trace=fsync,fdatasync,syncfs,sync \
+    -o "$scratch/fc.txt" fc-cache -f >/dev/null
+  echo "fc_cache $(count "$scratch/fc.txt")" >> "$syncs"
+  rm -rf "$scratch"
+fi
+
 version() { pkg-config --modversion "$1" 2>/dev/null || echo unknown; }
 {
   echo "CPU: $(grep -m1 'model name' /proc/cpuinfo | cut -d: -f2- | sed 's/^ *//'), $(nproc) cores"
@@ -42,10 +63,13 @@ version() { pkg-config --modversion "$1" 2>/dev/null || echo unknown; }
   echo "Compiler: $(c++ --version | head -1), Release build (-O3)"
   echo "Peers: FreeType $(dpkg-query -W -f='${Version}' libfreetype6 2>/dev/null || version freetype2), HarfBuzz $(version harfbuzz), fontconfig $(version fontconfig); Google Benchmark $(dpkg-query -W -f='${Version}' libbenchmark-dev 2>/dev/null || echo unknown)"
   echo "Fonts: $(ls /usr/share/fonts/truetype/dejavu /usr/share/fonts/truetype/liberation /usr/share/fonts/truetype/nanum /usr/share/fonts/opentype/noto 2>/dev/null | grep -cE '\.(ttf|otf|ttc)$') files in $(for d in dejavu liberation nanum; do [ -d /usr/share/fonts/truetype/$d ] && printf '%s ' $d; done)$([ -d /usr/share/fonts/opentype/noto ] && echo noto)"
+  if [ -n "${KELFONT_ANDROID_FONTS:-}" ]; then
+    echo "Android set: $(ls "$KELFONT_ANDROID_FONTS" | grep -cE '\.(ttf|otf|ttc)$') files, $(du -sm "$KELFONT_ANDROID_FONTS" | cut -f1) MB (scripts/android-fonts.sh)"
+  fi
   echo "Load average at the end: $(cut -d' ' -f1-3 /proc/loadavg) (the machine may be shared)"
 } > "$results/machine.txt"
 
 mkdir -p docs
 python3 scripts/bench_report.py "$results/memory.json" "$results/disk.json" "$results/machine.txt" \
-  > docs/PERFORMANCE.md
+  "$syncs" > docs/PERFORMANCE.md
 echo "=== wrote docs/PERFORMANCE.md"

@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 """Writes docs/PERFORMANCE.md from the JSON output of kelfont_bench.
 
-usage: bench_report.py MEMORY_JSON DISK_JSON MACHINE_TXT > docs/PERFORMANCE.md
+usage: bench_report.py MEMORY_JSON DISK_JSON MACHINE_TXT [SYNCS_TXT] > docs/PERFORMANCE.md
 
 MEMORY_JSON holds every benchmark, run with its scratch folders on a
 memory file system; DISK_JSON the start-up benchmarks again with their
 scratch folders on disk. MACHINE_TXT has one "name: value" line per fact
-about the machine and the peers' versions. Every time is the median of the
+about the machine and the peers' versions; SYNCS_TXT, "name count" lines,
+the sync calls of the start-ups on the Android set. Every time is the median of the
 repetitions: CPU time for the in-process measurements, and for the start-up
 ones the CPU time (user + system) they report themselves.
 """
@@ -56,6 +57,39 @@ def fmt(value, unit):
     if unit == "ms":
         return f"{value * 1e3:.1f} ms"
     return f"{value:.2f} {unit}"
+
+
+def android_rows(mem, get, row, w, syncs_path):
+    row("7", "Android set, cold start vs `fc-cache -f` (tmpfs)",
+        seconds(get(mem, "Android/ColdStart/kelfont")),
+        seconds(get(mem, "Android/ColdStart/fc_cache")), "ms", 1.5)
+    row("7", "Android set, warm start vs `FcInitLoadConfigAndFonts` (tmpfs)",
+        seconds(get(mem, "Android/WarmStart/kelfont")),
+        seconds(get(mem, "Android/WarmStart/fontconfig")), "us", 1.0)
+    for label, name in (("noto_sans_cjk_jp", "Noto Sans CJK JP"),
+                        ("droid_sans_fallback", "Droid Sans Fallback")):
+        row("7", f"Android set, first use of {name}: `ReadData` vs FreeType opening it and "
+            "reading every mapped character's advance",
+            seconds(get(mem, "Android/FaceLoad/kelfont_read_data/" + label)),
+            seconds(get(mem, "Android/FaceLoad/freetype_open_mapped_advances/" + label)),
+            "us", 1.0)
+    res = get(mem, "Android/Memory/first_start_resources")
+    peak = res["peak_rss_kib"] / 1024
+    w(f"| 7 | Android set, peak resident set of a first start (fc-cache: "
+      f"{res['fc_cache_peak_rss_kib'] / 1024:.1f} MiB) | {peak:.1f} MiB | | | ≤ 16 MiB | "
+      f"{'yes' if peak <= 16 else 'no'} |")
+    share = res["read_kib"] / res["font_kib"]
+    w(f"| 7 | Android set, bytes read by a first start against the fonts' size | "
+      f"{res['read_kib'] / 1024:.1f} MiB | {res['font_kib'] / 1024:.1f} MiB | {share:.2f}× | "
+      f"≤ 1.0× | {'yes' if share <= 1.0 else 'no'} |")
+    if syncs_path:
+        counts = dict(line.split() for line in open(syncs_path) if line.strip())
+        if counts:
+            cold, warm = int(counts["kelfont_cold"]), int(counts["kelfont_warm"])
+            w(f"| 7 | Android set, sync calls of a first start (fc-cache -f: "
+              f"{counts['fc_cache']}) | {cold} | | | ≤ 3 | {'yes' if cold <= 3 else 'no'} |")
+            w(f"| 7 | Android set, sync calls of the warm start after it | {warm} | | | 0 | "
+              f"{'yes' if warm == 0 else 'no'} |")
 
 
 def main():
@@ -133,6 +167,8 @@ def main():
                        ("kerning", "`GetKerningWidth` of each pair")):
         ours = per_item_ns(get(mem, "HotQueries/kelfont_" + name))
         w(f"| 6 | Per character of the same text, {what} | {fmt(ours, 'ns')} | | | | |")
+    if "Android/ColdStart/kelfont" in mem:
+        android_rows(mem, get, row, w, sys.argv[4] if len(sys.argv) > 4 else None)
     w("")
 
     w("## What is measured")
@@ -161,20 +197,43 @@ def main():
     w("   NanumGothic maps the character, the font and character that show it, and the kerning")
     w("   of each character with the one before.")
     w("")
+    w("7. **The Android set**: the files a recent Android device ships in `/system/fonts/`,")
+    w("   assembled from Debian's packages by `scripts/android-fonts.sh` (Noto Sans and Serif for")
+    w("   every script, the Noto CJK collections, Noto Color Emoji, Roboto, Droid Sans Fallback,")
+    w("   Inter's variable font), named by `KELFONT_ANDROID_FONTS`: the start-ups of 3 and 4 on")
+    w("   that folder alone; the first use of Noto Sans CJK JP (face 0 of")
+    w("   NotoSansCJK-Regular.ttc) and of Droid Sans Fallback against `FT_New_Face`,")
+    w("   `FT_Get_Advances` and a walk of the Unicode map; the peak resident set (`ru_maxrss`)")
+    w("   and the bytes read (`rchar` of `/proc/self/io`) of a first start in a child process of")
+    w("   its own, fc-cache's peak the same way; and the sync calls (`strace -c`) of a first")
+    w("   start, of the warm start after it, and of `fc-cache -f`.")
+    w("")
     w("Scratch folders (storage, fontconfig's cache) live on a memory file system for the")
     w("main run, so that the start-ups measure the libraries rather than the disk's handling")
     w("of new files; the start-ups are run a second time with them on disk. A first start")
-    w("writes one data file per face (50 here) where fc-cache writes one cache file per")
+    w("writes one data file per face (about 90 here) where fc-cache writes one cache file per")
     w("folder, so on disk the file system's cost of creating files weighs on libkelfont more.")
     w("")
     w("## What makes these numbers")
     w("")
-    w("- **Advances from the horizontal metrics.** The analyzer reads every glyph's unscaled")
-    w("  advance in one `FT_Get_Advances(FT_LOAD_NO_SCALE)` call per face instead of loading")
-    w("  each glyph (0.2–8 µs a glyph); faces with variations still load their glyphs. A test")
-    w("  analyses every installed font both ways and finds byte-identical data files. Kerning")
-    w("  is read unscaled (the same numbers as at one pixel per unit, without sizing the face),")
-    w("  and the character map is walked once per face for the default-font map and the advances.")
+    w("- **Advances from the horizontal metrics, exactly as loading gives them.** The analyzer")
+    w("  reads a face's `hmtx` in one piece instead of loading each glyph (0.2–8 µs a glyph).")
+    w("  Where loading would differ it follows the glyph data itself, read once in glyph order:")
+    w("  a TrueType composite flagged USE_MY_METRICS takes its component's advance (Droid Sans")
+    w("  Fallback stores 0 for some), and a glyph whose data would not load is dropped; what it")
+    w("  cannot vouch for it loads after all (on the Android set only Noto Color Emoji's bitmap")
+    w("  glyphs). Faces with variations load their glyphs. A test compares both ways on every")
+    w("  face of the installed fonts, the Android set and a generated font of such composites.")
+    w("  Kerning is read unscaled (the same numbers as at one pixel per unit, without sizing the")
+    w("  face), and the character map is walked once per face for the default-font map and the")
+    w("  advances.")
+    w("- **A first start that reads little and syncs once.** Faces are read on demand through")
+    w("  the file descriptor (no copy of the file, no mapping of a file that may change): the")
+    w("  tables the analysis needs, a collection's shared tables once per face. Data files,")
+    w("  the default-font map and extracted package entries are written unsynced; one")
+    w("  file-system sync puts them on disk before the table, the commit point, is renamed into")
+    w("  place, and its folder is synced after. A start that finds its cache valid syncs")
+    w("  nothing, and an extracted entry already in place is not written again.")
     w("- **Dense answer caches.** The per-character caches of both doors keep, per font and")
     w("  style, 256-entry pages of the basic plane: a cached answer is four dependent loads.")
     w("  Other keys (supplementary planes, negative font indexes) use a hash map. First insert")
@@ -203,6 +262,8 @@ def main():
     w("## How to reproduce")
     w("")
     w("    bash scripts/bench.sh          # KELFONT_BENCH_REPETITIONS=N (default 5)")
+    w("    bash scripts/android-fonts.sh /tmp/android-fonts")
+    w("    KELFONT_ANDROID_FONTS=/tmp/android-fonts bash scripts/bench.sh   # with the rows of 7")
     w("")
     w("It installs what is missing, builds `build-bench/` (Release), runs")
     w("`build-bench/bench/kelfont_bench` twice (everything with scratch folders in memory, then")

@@ -5,15 +5,19 @@
 #include FT_TRUETYPE_IDS_H
 #include FT_TRUETYPE_TAGS_H
 
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <atomic>
+#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 
-#include "base/FileInputStream.h"
 #include "common/analysis/FontFileStream.h"
 #include "common/analysis/FontUtils.h"
 #include "common/analysis/GposKerning.h"
+#include "common/analysis/LoadedAdvances.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/DefaultFontInfo.h"
 #include "common/font_info/FontInfo.h"
@@ -126,14 +130,12 @@ bool FontFileAnalyzer::Open(const char* path, int faceIndex) {
   gOpenCount.fetch_add(1);
   Close();
   if (!libraryReady_ || path == nullptr || faceIndex < 0) return false;
-  {
-    qro_base::FileInputStream file(path);
-    fileSize_ = static_cast<int>(file.Available());
-    file.Close();
-  }
+  struct stat status;
+  fileSize_ = stat(path, &status) == 0 && S_ISREG(status.st_mode)
+                  ? static_cast<int>(std::min<off_t>(status.st_size, INT_MAX))
+                  : 0;
   FT_Face face = nullptr;
-  if (FontFileStream::OpenFace(library_, path, faceIndex, &face,
-                               FontFileStream::Mode::kWholeFile) != 0) {
+  if (FontFileStream::OpenFace(library_, path, faceIndex, &face) != 0) {
     return false;
   }
   faceCount_ = static_cast<unsigned char>(face->num_faces);
@@ -308,11 +310,17 @@ bool FontFileAnalyzer::PrepareMetricsAdvances() {
     return false;
   }
   metricsAdvances_.resize(static_cast<std::size_t>(face_->num_glyphs));
-  if (FT_Get_Advances(face_, 0, static_cast<FT_UInt>(face_->num_glyphs), FT_LOAD_NO_SCALE,
+  if (!LoadedAdvances::ReadMetrics(face_, metricsAdvances_) &&
+      FT_Get_Advances(face_, 0, static_cast<FT_UInt>(face_->num_glyphs), FT_LOAD_NO_SCALE,
                       metricsAdvances_.data()) != 0) {
     metricsAdvances_.clear();
     return false;
   }
+  std::vector<std::uint8_t> wanted(metricsAdvances_.size(), 0);
+  for (const MappedChar& mapped : mapped_) {
+    if (mapped.glyph < wanted.size()) wanted[mapped.glyph] = 1;
+  }
+  LoadedAdvances::Apply(face_, wanted, metricsAdvances_);
   return true;
 }
 
@@ -320,8 +328,10 @@ bool FontFileAnalyzer::LoadAdvance(FT_UInt glyph, unsigned short* advance) {
   if (!metricsAdvances_.empty()) {
     // A glyph index beyond the face's glyphs would not load either.
     if (glyph >= metricsAdvances_.size()) return false;
-    *advance = static_cast<unsigned short>(metricsAdvances_[glyph] & 0xFFFF);
-    return true;
+    if (metricsAdvances_[glyph] != LoadedAdvances::kLoad) {
+      *advance = static_cast<unsigned short>(metricsAdvances_[glyph] & 0xFFFF);
+      return true;
+    }
   }
   if (FT_Load_Glyph(face_, glyph, FT_LOAD_NO_SCALE) != 0) return false;
   *advance = static_cast<unsigned short>(face_->glyph->metrics.horiAdvance & 0xFFFF);

@@ -37,16 +37,19 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   // Where AnalyzeCharMetricsInfo() takes the unscaled advances from.
   enum class AdvanceSource {
     // The face's horizontal metrics, all glyphs in one FT_Get_Advances
-    // call (tens of nanoseconds a glyph instead of microseconds). A face
-    // with variations (multiple masters) still loads every glyph, since
-    // its glyphs' advances may be adjusted on loading. Every glyph index
-    // below the face's glyph count has an advance here, also one whose
-    // outline is damaged and would not load.
+    // call (tens of nanoseconds a glyph instead of microseconds), brought
+    // to what loading gives by LoadedAdvances: a TrueType composite that
+    // takes its component's metrics advances by that component, a glyph
+    // whose data would not load has no advance, and a glyph whose data it
+    // cannot vouch for is loaded after all. A face with variations
+    // (multiple masters) loads every glyph, since its glyphs' advances may
+    // be adjusted on loading.
     kMetrics,
     // Every glyph loaded with FT_Load_Glyph(FT_LOAD_NO_SCALE); a glyph that
-    // does not load drops its characters. The installed static fonts give
-    // byte-identical data files either way (a test checks every one); this
-    // path stays for faces with variations and for that check.
+    // does not load drops its characters. This is the rule the metrics
+    // above follow; a test compares the two on every face of the installed
+    // fonts, the generated ones and the Android set. This path stays for
+    // faces with variations and for that comparison.
     kGlyphs,
   };
 

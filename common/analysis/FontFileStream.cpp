@@ -47,7 +47,7 @@ unsigned long readAt(int fd, unsigned long offset, unsigned char* buffer, unsign
 }  // namespace
 
 FT_Error FontFileStream::OpenFace(FT_Library library, const char* path, FT_Long faceIndex,
-                                  FT_Face* face, Mode mode) {
+                                  FT_Face* face) {
   if (face != nullptr) *face = nullptr;
   if (library == nullptr || path == nullptr || face == nullptr) return FT_Err_Invalid_Argument;
   int fd = open(path, O_RDONLY | O_CLOEXEC);
@@ -67,30 +67,15 @@ FT_Error FontFileStream::OpenFace(FT_Library library, const char* path, FT_Long 
   stream->pos = 0;
   stream->close = &FontFileStream::Close;
 
-  unsigned char* bytes = nullptr;
-  if (mode == Mode::kWholeFile && size <= kMaxWholeFileSize) {
-    bytes = new (std::nothrow) unsigned char[size];
-  }
-  if (bytes != nullptr) {
-    // A memory stream: FreeType reads the copy in place. The file may
-    // change under it from now on without effect.
-    unsigned long got = readAt(fd, 0, bytes, size);
+  auto* source = new (std::nothrow) Source();
+  if (source == nullptr) {
+    delete stream;
     close(fd);
-    stream->base = bytes;
-    stream->size = got;
-    stream->read = nullptr;
-    stream->descriptor.pointer = bytes;  // FreeType keeps `base` for itself
-  } else {
-    auto* source = new (std::nothrow) Source();
-    if (source == nullptr) {
-      delete stream;
-      close(fd);
-      return FT_Err_Out_Of_Memory;
-    }
-    source->fd = fd;
-    stream->descriptor.pointer = source;
-    stream->read = &FontFileStream::Read;
+    return FT_Err_Out_Of_Memory;
   }
+  source->fd = fd;
+  stream->descriptor.pointer = source;
+  stream->read = &FontFileStream::Read;
 
   FT_Open_Args args = {};
   args.flags = FT_OPEN_STREAM;
@@ -122,16 +107,11 @@ unsigned long FontFileStream::Read(FT_Stream stream, unsigned long offset, unsig
 }
 
 void FontFileStream::Close(FT_Stream stream) {
-  // A stream without a read function is a copy of the file; otherwise it
-  // reads through its descriptor (and FreeType uses `base` for the frames it
-  // hands out, which are not the stream's to free).
-  if (stream->read == nullptr) {
-    delete[] static_cast<unsigned char*>(stream->descriptor.pointer);
-  } else {
-    auto* source = static_cast<Source*>(stream->descriptor.pointer);
-    close(source->fd);
-    delete source;
-  }
+  // FreeType uses `base` for the frames it hands out, which are not the
+  // stream's to free.
+  auto* source = static_cast<Source*>(stream->descriptor.pointer);
+  close(source->fd);
+  delete source;
   delete stream;
 }
 

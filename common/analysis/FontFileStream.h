@@ -9,27 +9,16 @@ namespace qro_common {
 // file into memory. A mapped font file that is truncated or rewritten while
 // its face is open (a font replaced in the user font folder during a scan,
 // or while its face waits in the face pool) makes the process fault on
-// pages that no longer exist. Here a face reads either a private copy of
-// the file, taken when it is opened, or the file through its descriptor, in
-// which case the same change only makes reads come back short: FreeType
-// reports an error (a glyph that does not load) and the caller goes on.
+// pages that no longer exist. Here a face reads the file through its
+// descriptor, on demand, in small windows: the same change only makes reads
+// come back short, FreeType reports an error (a face or a glyph that does
+// not load) and the caller goes on. Only what FreeType asks for is read,
+// and little memory is held.
 class FontFileStream {
  public:
-  enum class Mode {
-    // A copy of the whole file, read at once: as fast as a mapping, for a
-    // face that is used briefly (analysis). Files above kMaxWholeFileSize
-    // are read on demand instead.
-    kWholeFile,
-    // Pieces read on demand through a few small windows: little memory, for
-    // faces that stay open.
-    kOnDemand
-  };
-  static constexpr unsigned long kMaxWholeFileSize = 64ul << 20;
-
   // Like FT_New_Face(library, path, faceIndex, face). What the face reads
   // belongs to it and is released by FT_Done_Face (or when opening fails).
-  static FT_Error OpenFace(FT_Library library, const char* path, FT_Long faceIndex, FT_Face* face,
-                           Mode mode);
+  static FT_Error OpenFace(FT_Library library, const char* path, FT_Long faceIndex, FT_Face* face);
 
  private:
   static unsigned long Read(FT_Stream stream, unsigned long offset, unsigned char* buffer,

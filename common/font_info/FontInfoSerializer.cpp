@@ -617,7 +617,11 @@ bool FontInfoSerializer::Write(std::vector<FontInfo*>& list,
                                std::vector<const std::string*>& directories) {
   // The table is replaced as a whole: a write cut short (a kill, a full
   // disk) leaves the previous table in place.
-  qro_base::AtomicFileOutputStream out(GetTablePath());
+  // The commit point of a scan: one sync of the file system puts the data
+  // files and the default-font map written before (unsynced) on disk
+  // together with the new table, before the table is renamed into place.
+  qro_base::AtomicFileOutputStream out(GetTablePath(),
+                                       qro_base::AtomicFileOutputStream::Durability::kFileSystem);
   bool ok = WriteTableVersion(out) && WriteFontDirectoryLastModifiedTimeList(directories, out) &&
             WriteDefaultFontIndex(out);
   std::string body;
@@ -682,7 +686,10 @@ bool FontInfoSerializer::WriteData(FontInfo& info) {
   if (charMetrics == nullptr && kerning == nullptr) return true;
   std::string path;
   MakeFontInfoDataFilePath(info, path);
-  qro_base::AtomicFileOutputStream out(path);
+  // Unsynced: the next table written syncs it, and a data file that does
+  // not read back whole is made again.
+  qro_base::AtomicFileOutputStream out(path,
+                                       qro_base::AtomicFileOutputStream::Durability::kDeferred);
   bool ok = true;
   if (charMetrics != nullptr) ok = charMetrics->Write(out);
   if (ok && kerning != nullptr) ok = kerning->Write(out);
@@ -698,7 +705,8 @@ bool FontInfoSerializer::ReadDefaultFontInfo(DefaultFontInfo& out) {
 }
 
 bool FontInfoSerializer::WriteDefaultFontInfo(DefaultFontInfo& in) {
-  qro_base::AtomicFileOutputStream out(GetDefaultFontInfoPath());
+  qro_base::AtomicFileOutputStream out(GetDefaultFontInfoPath(),
+                                       qro_base::AtomicFileOutputStream::Durability::kDeferred);
   return in.Write(out) ? out.Commit() : refused(GetDefaultFontInfoPath());
 }
 

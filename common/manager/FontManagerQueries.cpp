@@ -36,7 +36,9 @@ void FontManager::ReadFontInfoData(FontInfo& info, int /*fontIndex*/) {
   if (loaded_.size() > kMaxLoadedBeforeEviction) EvictOldestLoaded();
 
   FontInfoSerializer serializer(storagePath_);
-  if (!serializer.IsDataFile(info)) {
+  // Data files are written unsynced: one that does not read back whole (cut
+  // short by a power loss) counts as missing and is made again.
+  if (!serializer.IsDataFile(info) || !serializer.ReadData(info)) {
     if (const std::string* path = info.GetFilePath()) {
       FontFileAnalyzer analyzer;
       if (analyzer.Open(path->c_str(), info.GetFaceIndex())) {
@@ -47,9 +49,9 @@ void FontManager::ReadFontInfoData(FontInfo& info, int /*fontIndex*/) {
     } else if (extracter_ != nullptr) {
       // A font known only from the package: its data file comes from there.
       extracter_->ExtractFontInfoData(info.GetInfoIndex());
+      serializer.ReadData(info);
     }
   }
-  if (info.GetCharMetricsInfo() == nullptr) serializer.ReadData(info);
   if (info.GetCharMetricsInfo() != nullptr) loaded_.push_back(&info);
 }
 

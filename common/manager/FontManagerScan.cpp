@@ -59,8 +59,11 @@ void FontManager::UpdateFontInfo(FontInfoSerializer& serializer) {
   infos.reserve(static_cast<std::size_t>(fontTable_->GetFontInfoCount()));
   for (int i = 0; i < fontTable_->GetFontInfoCount(); ++i)
     infos.push_back(fontTable_->GetFontInfo(i));
+  // The default-font map goes before the table, whose one sync commits both
+  // (and the data files).
+  if (defaultFontInfo_ != nullptr) serializer.WriteDefaultFontInfo(*defaultFontInfo_);
   serializer.Write(infos, fontDirectoryPathList_);
-  LoadDefaultFont(serializer);
+  LoadDefaultFontList(serializer);
 }
 
 void FontManager::UpdateFontInfo(FontFileAnalyzer& analyzer, FontInfoSerializer& serializer,
