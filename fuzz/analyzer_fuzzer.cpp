@@ -1,6 +1,7 @@
-// The font file analyzer over mutated fonts: open, analyse, measure, apply
-// to the default font information, and draw outlines through the font
-// manager's face pool.
+// The font file analyzer over mutated fonts: open, analyse, measure (with
+// the kerning of the `kern` table or, without it, of GPOS through
+// HarfBuzz), apply to the default font information, and draw outlines
+// through the font manager's face pool.
 
 #include <unistd.h>
 

@@ -36,7 +36,8 @@ using qro_common::FontInfo;
 
 const char* const kFonts[] = {"basic.ttf",    "bold.ttf",          "collection.ttc", "symbol.ttf",
                               "supplementary.ttf", "cjk_flag.ttf",  "cff.otf",        "nohead.ttf",
-                              "vertical.ttf", "emoji_name.ttf",    "macroman.ttf",   "noos2.ttf"};
+                              "vertical.ttf", "emoji_name.ttf",    "macroman.ttf",   "noos2.ttf",
+                              "gpos_kern.ttf"};
 
 std::string readWhole(const std::string& path) {
   std::ifstream in(path, std::ios::binary);

@@ -13,6 +13,7 @@
 #include "base/FileInputStream.h"
 #include "common/analysis/FontFileStream.h"
 #include "common/analysis/FontUtils.h"
+#include "common/analysis/GposKerning.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/DefaultFontInfo.h"
 #include "common/font_info/FontInfo.h"
@@ -389,7 +390,7 @@ void FontFileAnalyzer::AnalyzeCharMetricsInfo(FontInfo& info) {
 }
 
 void FontFileAnalyzer::AnalyzeKerningInfo(FontInfo& info) {
-  if (!isOpen_ || !FT_HAS_KERNING(face_)) return;
+  if (!isOpen_) return;
   FT_UInt glyphs[kKerningCharCount];
   for (int i = 0; i < kKerningCharCount; ++i) {
     glyphs[i] = FT_Get_Char_Index(face_, kFirstKerningChar + i);
@@ -402,7 +403,7 @@ void FontFileAnalyzer::AnalyzeKerningInfo(FontInfo& info) {
   // program) and scaling each of the 9,025 pairs.
   auto kerning = std::make_unique<KerningInfo>();
   int registered = 0;
-  for (int left = 0; left < kKerningCharCount; ++left) {
+  for (int left = 0; FT_HAS_KERNING(face_) && left < kKerningCharCount; ++left) {
     for (int right = 0; right < kKerningCharCount; ++right) {
       FT_Vector delta;
       if (FT_Get_Kerning(face_, glyphs[left], glyphs[right], FT_KERNING_UNSCALED, &delta) != 0) {
@@ -413,6 +414,11 @@ void FontFileAnalyzer::AnalyzeKerningInfo(FontInfo& info) {
                         static_cast<int>(kFirstKerningChar) + right, static_cast<short>(delta.x));
       ++registered;
     }
+  }
+  // A face whose `kern` table gives none of these pairs is kerned by its
+  // GPOS table, when the build reads it.
+  if (registered == 0) {
+    registered = registerGposKerning(face_, kFirstKerningChar, kKerningCharCount, *kerning);
   }
   if (registered > 0) info.SetKerningInfo(kerning.release());
 }

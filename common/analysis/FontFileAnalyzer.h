@@ -80,8 +80,9 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   void AnalyzeCharMetricsInfo(FontInfo& info);
   // Installs a new kerning table in `info` holding every non-zero kerning
   // value, in font units, between two printable ASCII characters (32 to
-  // 126). Nothing changes when the face has no kerning, when one of these
-  // characters has no glyph, or when no pair has a value.
+  // 126): the `kern` table's, or, when that gives none, GPOS's (see
+  // GposKerning.h). Nothing changes when the face has no kerning, when one
+  // of these characters has no glyph, or when no pair has a value.
   void AnalyzeKerningInfo(FontInfo& info);
   // Records `fontIndex` for every code point the face maps (same maps and
   // filter as AnalyzeCharMetricsInfo); nothing for a negative index.
