@@ -86,6 +86,7 @@ int RunRender(const std::vector<std::string>& args, Console& console) {
   addStyleOptions(parser);
   parser.AddValue("size", "PX", "font size in the SVG (default 48)");
   parser.AddValue("output", "FILE", "SVG file to write", "o");
+  parser.AddFlag("shaped", "advance by the shaped clusters (glyphs stay per character)");
   parser.SetPositional("TEXT...", "the text (several arguments are joined by spaces)", 1, 0);
   parser.SetEpilog(
       "Exit status: 0 written, 1 a folder or package could not be read, the font is\n"
@@ -116,7 +117,9 @@ int RunRender(const std::vector<std::string>& args, Console& console) {
   if (font < 0) return kExitFailure;
   const bool bold = parser.Has("bold");
   const bool italic = parser.Has("italic");
-  const TextMeasure measure = TextMeasure::Measure(manager, font, decodeUtf8(text), bold, italic);
+  const TextMeasure measure =
+      parser.Has("shaped") ? TextMeasure::MeasureShaped(manager, font, decodeUtf8(text), bold, italic)
+                           : TextMeasure::Measure(manager, font, decodeUtf8(text), bold, italic);
 
   float ascent = kUnits * 0.9f;
   float descent = kUnits * 0.25f;
