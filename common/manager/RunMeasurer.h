@@ -57,6 +57,8 @@ class RunMeasurer {
                RunMeasure& result);
   // Forgets the measured runs and closes the shaping fonts.
   void Clear();
+  // Forgets the measured runs only.
+  void ClearWords() { cache_.Clear(); }
 
   // The BCP 47 language shaping uses for a Windows language identifier;
   // null when it has none (HarfBuzz's default language then applies).
