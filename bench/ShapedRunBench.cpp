@@ -21,10 +21,12 @@
 #include "bench/ScratchDir.h"
 #include "bench/StartedManager.h"
 #include "common/font_info/FontInfo.h"
+#include "common/manager/FontManager.h"
 #include "common/manager/RunMeasurer.h"
 #include "common/registry/FontTable.h"
 #include "tools/kelfont/Commands.h"
 #include "tools/kelfont/Console.h"
+#include "tools/kelfont/ToolFontManager.h"
 
 namespace kelfont_bench {
 namespace {
