@@ -26,6 +26,7 @@ namespace qro_common {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
+constexpr std::size_t kMaxCheckedCodes = 64;
 
 // Characters a font need not show to take a cluster: the joiners and the
 // variation selectors, which shaping hides when the font lacks them.
@@ -269,6 +270,9 @@ int RunMeasurer::ClusterFont(int fontIndex, bool bold, bool italic,
   manager_.ConfirmVisibleChar(font, shown, bold, italic);
   shapeable = shown == codes[first];
   if (!shapeable || end - first == 1) return font;
+  // A long cluster (a base with thousands of marks) is judged by its
+  // first characters.
+  end = std::min(end, first + kMaxCheckedCodes);
 
   auto shows = [&](int candidate, char32_t code) {
     int f = candidate;

@@ -23,7 +23,8 @@ class ShapedFonts;
 // chain, the script default font, the character-type default font, the
 // default font information's font, the last default font), then the fonts
 // the other characters' roads choose. When none shows them all, the first
-// character's font stays.
+// character's font stays. Only the first 64 characters of a cluster are
+// looked at.
 //
 // Consecutive clusters of one font and script form a sub-run, which
 // HarfBuzz shapes from the font file of the face that serves the font and
