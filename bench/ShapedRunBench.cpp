@@ -80,9 +80,10 @@ Setup* setup() {
     auto* made = new Setup();
     std::ostringstream out, err;
     kelfont_tool::Console console{out, err};
-    if (kelfont_tool::RunPack({"--quiet", "--lists", std::string(KELFONT_SOURCE_DIR) + "/data/android",
-                               "-o", made->dir.path() + "qrfont.zip", "--fonts", corpus},
-                              console) != 0) {
+    if (kelfont_tool::RunPack(
+            {"--quiet", "--lists", std::string(KELFONT_SOURCE_DIR) + "/data/android", "-o",
+             made->dir.path() + "qrfont.zip", "--fonts", corpus},
+            console) != 0) {
       throw std::runtime_error("packing the Android fonts failed: " + err.str());
     }
     made->started = new StartedManager(made->dir.subfolder("storage"), made->dir.path(), {corpus});
@@ -92,8 +93,9 @@ Setup* setup() {
                                "my_MM", "en_US", "ko_KR"}) {
       for (const std::u16string& word : localeWords(locale)) made->words.push_back(word);
     }
-    for (const char16_t* emoji : {u"\U0001F468\u200D\U0001F469\u200D\U0001F467",
-                                  u"\U0001F1F0\U0001F1F7", u"\U0001F44D\U0001F3FD", u"1\uFE0F\u20E3"}) {
+    for (const char16_t* emoji :
+         {u"\U0001F468\u200D\U0001F469\u200D\U0001F467", u"\U0001F1F0\U0001F1F7",
+          u"\U0001F44D\U0001F3FD", u"1\uFE0F\u20E3"}) {
       made->words.push_back(emoji);
     }
     for (const std::u16string& word : made->words) made->units += word.size();
@@ -103,8 +105,7 @@ Setup* setup() {
 }
 
 void countUnits(benchmark::State& state, const Setup& s) {
-  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) *
-                          static_cast<int64_t>(s.units));
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(s.units));
 }
 
 void measureAll(qro_common::FontManager& manager, const Setup& s) {

@@ -24,9 +24,10 @@ qro_common::FontManager& manager() {
   static qro_common::FontManager* instance = [] {
     const char* env = std::getenv("KELFONT_FUZZ_FONTS");
     std::vector<std::string> folders;
-    std::istringstream list(env != nullptr && *env != '\0'
-                                ? env
-                                : "/usr/share/fonts/truetype/dejavu:/usr/share/fonts/truetype/noto");
+    std::istringstream list(
+        env != nullptr && *env != '\0'
+            ? env
+            : "/usr/share/fonts/truetype/dejavu:/usr/share/fonts/truetype/noto");
     for (std::string folder; std::getline(list, folder, ':');) folders.push_back(folder);
     const std::string& base = kelfont_fuzz::scratch();
     auto* extracter = new qro_ni::DefaultFontInfoFileExtracter(base + "extract/", base);
@@ -45,7 +46,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const int font = (data[0] >> 2) - 4;  // also unknown indexes
   const bool bold = (data[0] & 1) != 0, italic = (data[0] & 2) != 0;
   std::u16string text;
-  for (size_t i = 1; i + 1 < size; i += 2) text += static_cast<char16_t>(data[i] | data[i + 1] << 8);
+  for (size_t i = 1; i + 1 < size; i += 2)
+    text += static_cast<char16_t>(data[i] | data[i + 1] << 8);
   qro_common::RunMeasure first, second;
   if (!manager().MeasureRun(font, bold, italic, text.data(), text.size(), first)) {
     kelfont_fuzz::fail("an initialised manager refused a run");
@@ -53,11 +55,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   double sum = 0;
   for (size_t i = 0; i < text.size(); ++i) {
     if (!std::isfinite(first.advances[i])) kelfont_fuzz::fail("an advance is not finite");
-    if (!first.clusterStarts[i] && first.advances[i] != 0) kelfont_fuzz::fail("an advance inside a cluster");
+    if (!first.clusterStarts[i] && first.advances[i] != 0)
+      kelfont_fuzz::fail("an advance inside a cluster");
     sum += first.advances[i];
   }
-  if (!text.empty() && !first.clusterStarts[0]) kelfont_fuzz::fail("the run does not begin a cluster");
-  if (std::fabs(sum - first.totalEm) > 1e-3 * (1 + std::fabs(sum))) kelfont_fuzz::fail("the total is not the sum");
+  if (!text.empty() && !first.clusterStarts[0])
+    kelfont_fuzz::fail("the run does not begin a cluster");
+  if (std::fabs(sum - first.totalEm) > 1e-3 * (1 + std::fabs(sum)))
+    kelfont_fuzz::fail("the total is not the sum");
   manager().MeasureRun(font, bold, italic, text.data(), text.size(), second);
   if (first.advances != second.advances || first.fonts != second.fonts ||
       first.clusterStarts != second.clusterStarts || first.totalEm != second.totalEm) {

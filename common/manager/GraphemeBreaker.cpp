@@ -31,7 +31,8 @@ bool GraphemeBreaker::BreaksBefore(char32_t code) {
   } else if (before == kCR || before == kLF || before == kControl || current == kCR ||
              current == kLF || current == kControl) {
     breaks = true;  // GB4, GB5
-  } else if (before == kL && (current == kL || current == kV || current == kLV || current == kLVT)) {
+  } else if (before == kL &&
+             (current == kL || current == kV || current == kLV || current == kLVT)) {
     breaks = false;  // GB6
   } else if ((before == kLV || before == kV) && (current == kV || current == kT)) {
     breaks = false;  // GB7

@@ -13,8 +13,20 @@ namespace qro_common {
 class GraphemeBreaker {
  public:
   enum Property : std::uint8_t {
-    kOther, kCR, kLF, kControl, kExtend, kZWJ, kRegionalIndicator, kPrepend, kSpacingMark,
-    kL, kV, kT, kLV, kLVT
+    kOther,
+    kCR,
+    kLF,
+    kControl,
+    kExtend,
+    kZWJ,
+    kRegionalIndicator,
+    kPrepend,
+    kSpacingMark,
+    kL,
+    kV,
+    kT,
+    kLV,
+    kLVT
   };
   static constexpr std::uint8_t kExtendedPictographic = 0x10;
 

@@ -172,10 +172,10 @@ bool RunMeasurer::IsShaping() { return KELFONT_HARFBUZZ != 0; }
 
 const char* RunMeasurer::LanguageOf(unsigned short langCode) {
   static const std::pair<unsigned short, const char*> kLanguages[] = {
-      {0x01, "ar"}, {0x04, "zh"}, {0x07, "de"}, {0x09, "en"}, {0x0A, "es"}, {0x0C, "fr"},
-      {0x0D, "he"}, {0x11, "ja"}, {0x12, "ko"}, {0x19, "ru"}, {0x1E, "th"}, {0x20, "ur"},
-      {0x29, "fa"}, {0x2A, "vi"}, {0x39, "hi"}, {0x45, "bn"}, {0x49, "ta"}, {0x53, "km"},
-      {0x55, "my"}};
+      {0x01, "ar"}, {0x04, "zh"}, {0x07, "de"}, {0x09, "en"}, {0x0A, "es"},
+      {0x0C, "fr"}, {0x0D, "he"}, {0x11, "ja"}, {0x12, "ko"}, {0x19, "ru"},
+      {0x1E, "th"}, {0x20, "ur"}, {0x29, "fa"}, {0x2A, "vi"}, {0x39, "hi"},
+      {0x45, "bn"}, {0x49, "ta"}, {0x53, "km"}, {0x55, "my"}};
   const unsigned short primary = langCode & 0x3FF;
   if (langCode == 0x0404 || langCode == 0x0C04 || langCode == 0x1404) return "zh-Hant";
   for (const auto& language : kLanguages) {
@@ -263,8 +263,8 @@ void RunMeasurer::Compute(int fontIndex, bool bold, bool italic, const char16_t*
 }
 
 int RunMeasurer::ClusterFont(int fontIndex, bool bold, bool italic,
-                             const std::vector<char32_t>& codes, std::size_t first,
-                             std::size_t end, bool& shapeable) {
+                             const std::vector<char32_t>& codes, std::size_t first, std::size_t end,
+                             bool& shapeable) {
   int font = fontIndex;
   unsigned shown = codes[first];
   manager_.ConfirmVisibleChar(font, shown, bold, italic);
@@ -335,8 +335,7 @@ bool RunMeasurer::Shape(int fontIndex, bool bold, bool italic, const char16_t* t
                         RunMeasure& result) {
 #if KELFONT_HARFBUZZ
   if (length > INT_MAX) return false;
-  const FontInfo* info =
-      manager_.GetFontTable()->ResolveFontInfo(begin->font, bold, italic, true);
+  const FontInfo* info = manager_.GetFontTable()->ResolveFontInfo(begin->font, bold, italic, true);
   if (info == nullptr || info->GetFilePath() == nullptr) return false;
   hb_font_t* font = fonts_->Get(*info->GetFilePath(), info->GetFaceIndex());
   if (font == nullptr) return false;

@@ -97,10 +97,10 @@ class ShapedRun : public ::testing::Test {
     if (corpus == nullptr || *corpus == '\0') return;
     dir_ = new kelfont_test::TempDir();
     std::string err;
-    if (kelfont_test::runTool({"pack", "--quiet", "--lists",
-                               std::string(KELFONT_DATA_DIR) + "/android", "-o",
-                               dir_->file("qrfont.zip"), "--fonts", corpus},
-                              nullptr, &err) != 0) {
+    if (kelfont_test::runTool(
+            {"pack", "--quiet", "--lists", std::string(KELFONT_DATA_DIR) + "/android", "-o",
+             dir_->file("qrfont.zip"), "--fonts", corpus},
+            nullptr, &err) != 0) {
       ADD_FAILURE() << err;
       return;
     }
@@ -201,9 +201,11 @@ class ShapedRun : public ::testing::Test {
       manager_->ConfirmVisibleChar(shownFont, code, false, false);
       total += manager_->GetCharAdvanceRatio(font, unit, false, false);
       if (shownFont == previousFont) {
-        const auto* metrics =
-            manager_->GetFontTable()->ResolveFontInfo(shownFont, false, false, true)->GetFontMetrics();
-        total += static_cast<double>(manager_->GetKerningWidth(shownFont, false, false, previous, unit)) /
+        const auto* metrics = manager_->GetFontTable()
+                                  ->ResolveFontInfo(shownFont, false, false, true)
+                                  ->GetFontMetrics();
+        total += static_cast<double>(
+                     manager_->GetKerningWidth(shownFont, false, false, previous, unit)) /
                  metrics->GetUnitsPerEm();
       }
       previousFont = shownFont;
@@ -247,7 +249,8 @@ TEST_F(ShapedRun, DataLinesMatchHarfBuzzAndThePerCharacterPath) {
     } else {
       std::istringstream hex(source == "codes" ? rest : source + rest);
       std::u32string codes;
-      for (std::string code; hex >> code;) codes += static_cast<char32_t>(std::stoul(code, nullptr, 16));
+      for (std::string code; hex >> code;)
+        codes += static_cast<char32_t>(std::stoul(code, nullptr, 16));
       runs.push_back(utf16(codes));
     }
     for (const std::u16string& run : runs) {
@@ -261,8 +264,7 @@ TEST_F(ShapedRun, DataLinesMatchHarfBuzzAndThePerCharacterPath) {
       if (kind == "single") {
         std::vector<std::uint8_t> one(run.size(), 0);
         one[0] = 1;
-        EXPECT_EQ(m.clusterStarts, one)
-            << what;
+        EXPECT_EQ(m.clusterStarts, one) << what;
         EXPECT_EQ(manager_->GetFontName(m.fonts[0]), trim(shownBy)) << what;
       }
     }
@@ -283,7 +285,8 @@ TEST_F(ShapedRun, HostileRunsAreMeasured) {
 
   std::u16string marks = u"a" + std::u16string(10000, u'\u0301');
   std::u16string big;
-  while (big.size() < (1u << 20)) big += u"Hello \u0645\u0631\u062D\u0628\u0627 \U0001F468\u200D\U0001F469 ";
+  while (big.size() < (1u << 20))
+    big += u"Hello \u0645\u0631\u062D\u0628\u0627 \U0001F468\u200D\U0001F469 ";
   for (const std::u16string* run : {&marks, &big}) {
     const auto start = std::chrono::steady_clock::now();
     const RunMeasure m = measure(font, *run);
