@@ -12,8 +12,10 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "api/kelfont.h"
 #include "common/font_info/FontInfo.h"
 #include "common/manager/RunMeasurer.h"
 #include "common/registry/FontTable.h"
@@ -298,6 +300,61 @@ TEST_F(ShapedRun, HostileRunsAreMeasured) {
   }
   const RunMeasure m = measure(font, marks);
   EXPECT_EQ(std::count(m.clusterStarts.begin(), m.clusterStarts.end(), 1), 1);
+}
+
+// Eight threads measure the locale words with cold caches, as one thread
+// did; then the entry point gives the same answers and refuses bad calls.
+TEST_F(ShapedRun, ThreadsAndTheEntryPointAnswerAsOne) {
+  const int font = manager_->GetFontIndex("Roboto");
+  std::vector<std::u16string> words;
+  for (const char* locale : {"ar_SA", "hi_IN", "th_TH", "my_MM", "ko_KR"}) {
+    for (const std::u16string& word : localeWords(locale)) words.push_back(word);
+  }
+  std::vector<RunMeasure> expected;
+  for (const std::u16string& word : words) expected.push_back(measure(font, word));
+  manager_->GetRunMeasurer().Clear();
+  std::vector<int> mismatches(8, 0);
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 8; ++t) {
+    threads.emplace_back([&, t] {
+      for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::size_t k = (i * 7 + static_cast<std::size_t>(t) * 13) % words.size();
+        RunMeasure m;
+        manager_->MeasureRun(font, false, false, words[k].data(), words[k].size(), m);
+        mismatches[static_cast<std::size_t>(t)] += m.advances != expected[k].advances ||
+                                                   m.fonts != expected[k].fonts ||
+                                                   m.clusterStarts != expected[k].clusterStarts;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(mismatches, std::vector<int>(8, 0));
+
+  qro_common::FontManager* previous = qro_common::FontManager::instance;
+  qro_common::FontManager::instance = manager_;
+  const std::u16string& word = words.front();
+  const auto* units = reinterpret_cast<const unsigned short*>(word.data());
+  const int length = static_cast<int>(word.size());
+  float total = 0;
+  std::vector<float> advances(word.size());
+  std::vector<int> fonts(word.size());
+  std::vector<unsigned char> starts(word.size());
+  EXPECT_EQ(MeasureTextRun(font, false, false, units, length, total, advances.data(), fonts.data(),
+                           starts.data()),
+            0);
+  EXPECT_EQ(total, expected.front().totalEm);
+  EXPECT_EQ(advances, expected.front().advances);
+  EXPECT_EQ(fonts, expected.front().fonts);
+  EXPECT_EQ(MeasureTextRun(font, false, false, units, 0, total, nullptr, nullptr, nullptr), 0);
+  EXPECT_EQ(total, 0.0f);
+  EXPECT_EQ(MeasureTextRun(font, false, false, units, -1, total, nullptr, nullptr, nullptr), -1);
+  EXPECT_EQ(MeasureTextRun(font, false, false, nullptr, 1, total, nullptr, nullptr, nullptr), -1);
+  EXPECT_EQ(MeasureTextRun(100000, false, false, units, length, total, nullptr, nullptr, nullptr),
+            -1);
+  qro_common::FontManager::instance = nullptr;
+  EXPECT_EQ(MeasureTextRun(font, false, false, units, length, total, nullptr, nullptr, nullptr),
+            -1);
+  qro_common::FontManager::instance = previous;
 }
 
 }  // namespace
