@@ -211,7 +211,11 @@ FontInfo* FontManager::GetFontInfo(int fontIndex, bool bold, bool italic) const 
   return fontTable_ == nullptr ? nullptr : fontTable_->GetFontInfo(fontIndex, bold, italic, true);
 }
 
-void FontManager::UpdateUILangCode() { uiLangCode_ = getUILangCode(); }
+void FontManager::UpdateUILangCode() {
+  uiLangCode_ = getUILangCode();
+  // Runs are shaped in the interface language.
+  runMeasurer_->ClearWords();
+}
 
 // Under faceMutex_.
 FT_FaceRec_* FontManager::FontFace(const FontInfo& info) {

@@ -172,7 +172,8 @@ class FontManager : public qro_base::NonCopyable {
   // Metrics of the regular face, else of the first chained font that has
   // them, else of the last default font.
   FontMetrics* ResolveFontMetrics(int fontIndex);
-  // Reads the interface language again.
+  // Reads the interface language again (and forgets the measured runs,
+  // shaped in the language before).
   void UpdateUILangCode();
   int GetDefaultFontIndexByCharType(int charType) const;
   int GetDefaultFontIndexByScriptType(int script) const;
