@@ -197,6 +197,10 @@ bool RunMeasurer::Measure(int fontIndex, bool bold, bool italic, const char16_t*
                           std::size_t length, float& totalEm, float* advances, int* fonts,
                           std::uint8_t* clusterStarts) {
   if (manager_.GetFontTable() == nullptr || (text == nullptr && length > 0)) return false;
+  if (length == 0) {
+    totalEm = 0;
+    return true;
+  }
   const bool cached = length <= kMaxCachedLength;
   if (cached &&
       cache_.Find(fontIndex, bold, italic, text, length, totalEm, advances, fonts, clusterStarts)) {
