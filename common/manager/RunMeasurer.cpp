@@ -325,10 +325,20 @@ int RunMeasurer::ClusterFont(int fontIndex, bool bold, bool italic,
 void RunMeasurer::MeasurePerCharacter(int fontIndex, bool bold, bool italic,
                                       const std::vector<char32_t>& codes, const Cluster* begin,
                                       const Cluster* end, RunMeasure& result) {
+  // The kerning of each pair, in the requested font's units, as a layout
+  // engine adds it to the advances.
+  const FontMetrics* metrics = manager_.GetFontTable()->GetFontMetrics(fontIndex, bold, italic);
+  if (metrics == nullptr) metrics = manager_.ResolveFontMetrics(fontIndex);
+  const float unitsPerEm = metrics == nullptr ? 0.0f : static_cast<float>(metrics->GetUnitsPerEm());
   for (const Cluster* cluster = begin; cluster != end; ++cluster) {
     float advance = 0;
     for (std::size_t i = cluster->firstCode; i < cluster->endCode; ++i) {
       advance += manager_.GetCharAdvanceRatio(fontIndex, codes[i], bold, italic);
+      if (i > begin->firstCode && unitsPerEm > 0) {
+        advance += static_cast<float>(
+                       manager_.GetKerningWidth(fontIndex, bold, italic, codes[i - 1], codes[i])) /
+                   unitsPerEm;
+      }
     }
     result.advances[cluster->firstUnit] = advance;
   }

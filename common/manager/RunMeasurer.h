@@ -36,7 +36,9 @@ class ShapedFonts;
 // font's bands, as GetCharAdvanceRatio() corrects them per character. A
 // cluster that cannot be shaped (a font without file, a character the road
 // rewrites, a library built without HarfBuzz) takes the per-character
-// advances of GetCharAdvanceRatio(). Unpaired surrogates count as U+FFFD.
+// advances of GetCharAdvanceRatio() and the requested font's kerning
+// (GetKerningWidth()) of the pairs of its sub-run. Unpaired surrogates
+// count as U+FFFD.
 //
 // Runs of at most kMaxCachedLength units are kept in a word cache of
 // kCacheBytes; every query may run on any number of threads at once.
