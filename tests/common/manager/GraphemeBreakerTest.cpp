@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -41,6 +42,10 @@ TEST(GraphemeBreaker, FollowsUnicodeBreakTests) {
     ++cases;
   }
   EXPECT_GT(cases, 500);
+  // The generated table is the generator's output for this database.
+  const std::string command = std::string(KELFONT_PYTHON) + " -B " + KELFONT_TEST_SOURCE_DIR +
+                              "/../scripts/gen_grapheme_breaks.py --check";
+  EXPECT_EQ(std::system(command.c_str()), 0) << command;
 }
 
 // Entries beyond the capacity push out the least recently used.
