@@ -23,9 +23,7 @@ namespace qro_common {
 FontManager* FontManager::instance = nullptr;
 
 FontManager::FontManager(FontInfoFileExtracter* extracter)
-    : extracter_(extracter),
-      uiLangCode_(getUILangCode()),
-      runMeasurer_(new RunMeasurer(*this)) {}
+    : extracter_(extracter), uiLangCode_(getUILangCode()), runMeasurer_(new RunMeasurer(*this)) {}
 
 FontManager::~FontManager() {
   Reset();

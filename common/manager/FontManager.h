@@ -207,11 +207,10 @@ class FontManager : public qro_base::NonCopyable {
   // outputs of `length` entries each, per unit the advance (a cluster's on
   // its first unit), the font that shows it and whether a cluster begins
   // there. False before initialisation or for a null text.
-  bool MeasureRun(int fontIndex, bool bold, bool italic, const char16_t* text,
-                  std::size_t length, float& totalEm, float* advances, int* fonts,
-                  std::uint8_t* clusterStarts);
-  bool MeasureRun(int fontIndex, bool bold, bool italic, const char16_t* text,
-                  std::size_t length, RunMeasure& result);
+  bool MeasureRun(int fontIndex, bool bold, bool italic, const char16_t* text, std::size_t length,
+                  float& totalEm, float* advances, int* fonts, std::uint8_t* clusterStarts);
+  bool MeasureRun(int fontIndex, bool bold, bool italic, const char16_t* text, std::size_t length,
+                  RunMeasure& result);
   RunMeasurer& GetRunMeasurer() { return *runMeasurer_; }
 
   // --- Spacing-adjustment sets ---

@@ -124,11 +124,10 @@ int RunMeasure(const std::vector<std::string>& args, Console& console) {
   const int font = session.ResolveFont(parser, "measure", console);
   if (font < 0) return kExitFailure;
   const TextMeasure measure =
-      parser.Has("shaped")
-          ? TextMeasure::MeasureShaped(session.Manager(), font, decodeUtf8(text),
-                                       parser.Has("bold"), parser.Has("italic"))
-          : TextMeasure::Measure(session.Manager(), font, decodeUtf8(text), parser.Has("bold"),
-                                 parser.Has("italic"));
+      parser.Has("shaped") ? TextMeasure::MeasureShaped(session.Manager(), font, decodeUtf8(text),
+                                                        parser.Has("bold"), parser.Has("italic"))
+                           : TextMeasure::Measure(session.Manager(), font, decodeUtf8(text),
+                                                  parser.Has("bold"), parser.Has("italic"));
   if (parser.Has("json")) {
     printJson(session.Manager(), text, measure, size, console.out);
   } else {

@@ -87,8 +87,8 @@ Drawing draw(ToolFontManager& manager, const TextMeasure& measure, float margin,
 // The shaped text: each sub-run of one font (as measured) shaped again by
 // HarfBuzz in its font file at 2048 units per em, its glyphs drawn at their
 // positions. False, with nothing drawn, when a font has no file to shape.
-bool drawShaped(ToolFontManager& manager, const TextMeasure& measure, float margin,
-                float baseline, Drawing& drawing) {
+bool drawShaped(ToolFontManager& manager, const TextMeasure& measure, float margin, float baseline,
+                Drawing& drawing) {
   std::u16string units;
   std::vector<std::size_t> starts;  // first unit of each character
   for (const MeasuredChar& c : measure.chars) {
@@ -194,8 +194,9 @@ int RunRender(const std::vector<std::string>& args, Console& console) {
   const bool bold = parser.Has("bold");
   const bool italic = parser.Has("italic");
   const TextMeasure measure =
-      parser.Has("shaped") ? TextMeasure::MeasureShaped(manager, font, decodeUtf8(text), bold, italic)
-                           : TextMeasure::Measure(manager, font, decodeUtf8(text), bold, italic);
+      parser.Has("shaped")
+          ? TextMeasure::MeasureShaped(manager, font, decodeUtf8(text), bold, italic)
+          : TextMeasure::Measure(manager, font, decodeUtf8(text), bold, italic);
 
   float ascent = kUnits * 0.9f;
   float descent = kUnits * 0.25f;
