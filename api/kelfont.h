@@ -86,3 +86,23 @@ void SetUserFontPath(const char* path);
 bool InitFontManager(const char* qrfontZipPath, const char* extractPath);
 // Destroys qro_common::FontManager::instance, when there is one.
 void UnInitFontManager();
+
+// ---------------------------------------------------------------------------
+// Runs of text measured as they are shaped, through FontManager::instance.
+//
+// MeasureTextRun splits `text` (`length` UTF-16 units) into grapheme
+// clusters, shows each cluster in a font of the fallback road and shapes
+// consecutive clusters of one font together (see
+// qro_common::RunMeasurer). It sets `totalEm`, the run's advance as a ratio
+// of the em square, and fills the outputs that are not null, each `length`
+// entries: unitAdvances[i] the advance of the cluster that begins at unit i
+// (0 on its other units), unitFonts[i] the font index that shows unit i,
+// clusterStarts[i] 1 where a cluster begins, else 0. Unpaired surrogates
+// count as U+FFFD. Built without HarfBuzz, clusters take per-character
+// advances. Results of runs up to 256 units are cached. Any number of
+// threads may call it once the manager is initialised.
+// Returns 0, or -1 when there is no initialised manager, the font index is
+// unknown, `length` is negative or `text` is null with a positive length.
+int MeasureTextRun(int fontIndex, bool bold, bool italic, const unsigned short* text, int length,
+                   float& totalEm, float* unitAdvances, int* unitFonts,
+                   unsigned char* clusterStarts);

@@ -40,6 +40,7 @@ int main(int argc, char** argv) {
   kelfont_bench::registerFaceLoadBenchmarks();
   kelfont_bench::registerStartupBenchmarks();
   kelfont_bench::registerMemoryBenchmarks();
+  kelfont_bench::registerShapedRunBenchmarks();
   benchmark::Initialize(&count, args.data());
   if (benchmark::ReportUnrecognizedArguments(count, args.data())) return 1;
   benchmark::RunSpecifiedBenchmarks();

@@ -8,6 +8,7 @@ void registerHotAdvanceBenchmarks();
 void registerFaceLoadBenchmarks();
 void registerStartupBenchmarks();
 void registerMemoryBenchmarks();
+void registerShapedRunBenchmarks();
 
 }  // namespace kelfont_bench
 

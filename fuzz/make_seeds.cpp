@@ -9,6 +9,8 @@
 // fi/        default font information of the fonts
 // fc/ df/ sf/  short lists naming the fuzz targets' fonts
 // package/   a package of the above (zip writer)
+// run/       a style byte and UTF-16LE runs: emoji sequences, complex
+//            scripts, unpaired surrogates
 
 #include <sys/stat.h>
 
@@ -64,7 +66,7 @@ int main(int argc, char** argv) {
   }
   const std::string fonts = std::string(argv[1]) + "/";
   const std::string corpus = std::string(argv[2]) + "/";
-  for (const char* target : {"analyzer", "ftable", "fdata", "fi", "fc", "df", "sf", "package"}) {
+  for (const char* target : {"analyzer", "ftable", "fdata", "fi", "fc", "df", "sf", "package", "run"}) {
     if (!check(qro_base::confirmFilePathExists((corpus + target).c_str()), corpus + target)) return 1;
   }
   // The serializer writes under a staging folder; the seeds are copied out.
@@ -168,6 +170,22 @@ int main(int argc, char** argv) {
       }
     }
     if (!check(zip.Close(), "package")) return 1;
+  }
+
+  const std::pair<const char*, std::u16string> runs[] = {
+      {"family", u"\U0001F468\u200D\U0001F469\u200D\U0001F467"},
+      {"arabic", u"\u0645\u0631\u062D\u0628\u0627 abc"},
+      {"devanagari", u"\u0915\u094D\u0937\u0924\u094D\u0930\u093F\u092F"},
+      {"flags-keycap", u"\U0001F1F0\U0001F1F7\U0001F1FA1\uFE0F\u20E3"},
+      {"hangul-jamo", u"\u1100\u1161\u11A8\uAC00 Hello"},
+      {"lone-surrogates", std::u16string{0xD800, u'a', 0xDC00, u'\r', u' '}}};
+  for (const auto& [name, text] : runs) {
+    std::string bytes(1, '\x10');
+    for (char16_t unit : text) {
+      bytes += static_cast<char>(unit & 0xFF);
+      bytes += static_cast<char>(unit >> 8);
+    }
+    writeWhole(corpus + "run/" + name, bytes);
   }
 
   for (FontInfo* info : infos) delete info;

@@ -169,6 +169,17 @@ def main():
         w(f"| 6 | Per character of the same text, {what} | {fmt(ours, 'ns')} | | | | |")
     if "Android/ColdStart/kelfont" in mem:
         android_rows(mem, get, row, w, sys.argv[4] if len(sys.argv) > 4 else None)
+    # Shaped runs need the Android fonts (KELFONT_ANDROID_FONTS); left out without them.
+    shaped = {name: b for name, b in mem.items()
+              if name.startswith("ShapedRun/") and not b.get("error_occurred")}
+    if len(shaped) == 4:
+        row("8", "Shaped runs (locale words, emoji; Android fonts): a cached word vs the "
+            "per-character path, per UTF-16 unit",
+            per_item_ns(shaped["ShapedRun/kelfont_cached_words"]),
+            per_item_ns(shaped["ShapedRun/kelfont_per_character"]), "ns", 2.0)
+        row("8", "… an uncached run vs `hb_shape` of the same sub-runs + the fallback road",
+            per_item_ns(shaped["ShapedRun/kelfont_uncached"]),
+            per_item_ns(shaped["ShapedRun/harfbuzz_subruns_and_road"]), "ns", 1.2)
     w("")
 
     w("## What is measured")

@@ -11,6 +11,7 @@
 #include "common/font_info/DefaultFontInfo.h"
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontInfoSerializer.h"
+#include "common/manager/RunMeasurer.h"
 #include "common/registry/DataFileNames.h"
 #include "common/registry/FontFacePool.h"
 #include "common/registry/FontInfoFileExtracter.h"
@@ -22,7 +23,7 @@ namespace qro_common {
 FontManager* FontManager::instance = nullptr;
 
 FontManager::FontManager(FontInfoFileExtracter* extracter)
-    : extracter_(extracter), uiLangCode_(getUILangCode()) {}
+    : extracter_(extracter), uiLangCode_(getUILangCode()), runMeasurer_(new RunMeasurer(*this)) {}
 
 FontManager::~FontManager() {
   Reset();
@@ -95,6 +96,7 @@ void FontManager::Reset() {
   visibleCharCache_.Clear();
   systemFontCache_.Clear();
   scriptFontCache_.Clear();
+  if (runMeasurer_) runMeasurer_->Clear();
   // The three spacing sets stay until Initialize() rebuilds them: the
   // scan of an Update() asks the CJK-except set about the fonts it finds.
   // Open faces are keyed by info index, which a new table gives out anew.
@@ -207,7 +209,11 @@ FontInfo* FontManager::GetFontInfo(int fontIndex, bool bold, bool italic) const 
   return fontTable_ == nullptr ? nullptr : fontTable_->GetFontInfo(fontIndex, bold, italic, true);
 }
 
-void FontManager::UpdateUILangCode() { uiLangCode_ = getUILangCode(); }
+void FontManager::UpdateUILangCode() {
+  uiLangCode_ = getUILangCode();
+  // Runs are shaped in the interface language.
+  runMeasurer_->ClearWords();
+}
 
 // Under faceMutex_.
 FT_FaceRec_* FontManager::FontFace(const FontInfo& info) {

@@ -35,6 +35,8 @@ class FontInfoFileExtracter;
 class FontInfoSerializer;
 class FontMetrics;
 class FontTable;
+class RunMeasurer;
+struct RunMeasure;
 
 // The font service of the second front door.
 //
@@ -170,7 +172,8 @@ class FontManager : public qro_base::NonCopyable {
   // Metrics of the regular face, else of the first chained font that has
   // them, else of the last default font.
   FontMetrics* ResolveFontMetrics(int fontIndex);
-  // Reads the interface language again.
+  // Reads the interface language again (and forgets the measured runs,
+  // shaped in the language before).
   void UpdateUILangCode();
   int GetDefaultFontIndexByCharType(int charType) const;
   int GetDefaultFontIndexByScriptType(int script) const;
@@ -196,6 +199,19 @@ class FontManager : public qro_base::NonCopyable {
   int GetKerningWidth(FontInfo* info, unsigned first, unsigned second);
   // Drops every face's per-character data (it is loaded again on demand).
   void ClearCacheInfo();
+
+  // --- Shaped runs ---
+
+  // Measures a run of UTF-16 text as it is shaped (see RunMeasurer): the
+  // total advance as a ratio of the em square and, into the non-null
+  // outputs of `length` entries each, per unit the advance (a cluster's on
+  // its first unit), the font that shows it and whether a cluster begins
+  // there. False before initialisation or for a null text.
+  bool MeasureRun(int fontIndex, bool bold, bool italic, const char16_t* text, std::size_t length,
+                  float& totalEm, float* advances, int* fonts, std::uint8_t* clusterStarts);
+  bool MeasureRun(int fontIndex, bool bold, bool italic, const char16_t* text, std::size_t length,
+                  RunMeasure& result);
+  RunMeasurer& GetRunMeasurer() { return *runMeasurer_; }
 
   // --- Spacing-adjustment sets ---
 
@@ -297,6 +313,7 @@ class FontManager : public qro_base::NonCopyable {
   std::set<int> cjkExceptFontSet_;
   std::vector<int> scriptDefaultFontList_;
   std::unique_ptr<FontFacePool> facePool_;
+  std::unique_ptr<RunMeasurer> runMeasurer_;
   mutable std::mutex mutex_;
   std::string storagePath_;
   std::vector<const std::string*> fontDirectoryPathList_;

@@ -38,6 +38,10 @@ void printTable(ToolFontManager& manager, const std::string& text, const TextMea
     std::string units = c.units < 0 ? "-" : std::to_string(c.units);
     units = std::string(units.size() < 5 ? 5 - units.size() : 0, ' ') + units + "/" +
             std::to_string(c.unitsPerEm);
+    if (!c.clusterStart) {
+      out << padded(codeName(c.code), 9) << padded(shownText(c.code), 5) << "+\n";
+      continue;
+    }
     out << padded(codeName(c.code), 9) << padded(shownText(c.code), 5) << padded(shownBy, 28)
         << padded(fixed(c.ratio, 6), 10) << padded(units, 11);
     if (c.kerning != 0) out << c.kerning << " (" << fixed(c.kerningRatio, 4) << " em)";
@@ -70,7 +74,9 @@ void printJson(ToolFontManager& manager, const std::string& text, const TextMeas
         << ", \"substituted\": " << (c.substituted ? "true" : "false")
         << ", \"ratio\": " << exactFloat(c.ratio) << ", \"units\": " << c.units
         << ", \"unitsPerEm\": " << c.unitsPerEm << ", \"kerning\": " << c.kerning
-        << ", \"kerningRatio\": " << exactFloat(c.kerningRatio) << "}";
+        << ", \"kerningRatio\": " << exactFloat(c.kerningRatio);
+    if (measure.shaped) out << ", \"clusterStart\": " << (c.clusterStart ? "true" : "false");
+    out << "}";
   }
   out << "],\n \"totalEm\": " << exactFloat(measure.totalEm)
       << ", \"totalPx\": " << exactFloat(measure.totalEm * size) << "}\n";
@@ -95,6 +101,7 @@ int RunMeasure(const std::vector<std::string>& args, Console& console) {
   addStyleOptions(parser);
   parser.AddValue("size", "PX", "font size for the width in pixels (default 16)");
   parser.AddFlag("json", "print JSON for scripts");
+  parser.AddFlag("shaped", "measure clusters as HarfBuzz shapes them (+: same cluster)");
   parser.SetPositional("TEXT...", "the text (several arguments are joined by spaces)", 1, 0);
   parser.SetEpilog(
       "Exit status: 0 measured, 1 a folder or package could not be read or the font\n"
@@ -116,8 +123,11 @@ int RunMeasure(const std::vector<std::string>& args, Console& console) {
   if (int status = session.Open(parser, "measure", console)) return status;
   const int font = session.ResolveFont(parser, "measure", console);
   if (font < 0) return kExitFailure;
-  const TextMeasure measure = TextMeasure::Measure(session.Manager(), font, decodeUtf8(text),
-                                                   parser.Has("bold"), parser.Has("italic"));
+  const TextMeasure measure =
+      parser.Has("shaped") ? TextMeasure::MeasureShaped(session.Manager(), font, decodeUtf8(text),
+                                                        parser.Has("bold"), parser.Has("italic"))
+                           : TextMeasure::Measure(session.Manager(), font, decodeUtf8(text),
+                                                  parser.Has("bold"), parser.Has("italic"));
   if (parser.Has("json")) {
     printJson(session.Manager(), text, measure, size, console.out);
   } else {

@@ -1,9 +1,13 @@
 #include <algorithm>
 #include <fstream>
 #include <sstream>
+#include <string>
+#include <vector>
 
+#include "common/font_info/FontInfo.h"
 #include "common/font_info/FontMetrics.h"
 #include "common/manager/FontManager.h"
+#include "common/registry/FontTable.h"
 #include "tools/kelfont/ArgParser.h"
 #include "tools/kelfont/Commands.h"
 #include "tools/kelfont/ManagerSession.h"
@@ -11,6 +15,10 @@
 #include "tools/kelfont/TextFormat.h"
 #include "tools/kelfont/TextMeasure.h"
 #include "tools/kelfont/ToolFontManager.h"
+
+#if KELFONT_HARFBUZZ
+#include <hb.h>
+#endif
 
 namespace kelfont_tool {
 
@@ -75,6 +83,74 @@ Drawing draw(ToolFontManager& manager, const TextMeasure& measure, float margin,
   return drawing;
 }
 
+#if KELFONT_HARFBUZZ
+// The shaped text: each sub-run of one font (as measured) shaped again by
+// HarfBuzz in its font file at 2048 units per em, its glyphs drawn at their
+// positions. False, with nothing drawn, when a font has no file to shape.
+bool drawShaped(ToolFontManager& manager, const TextMeasure& measure, float margin, float baseline,
+                Drawing& drawing) {
+  std::u16string units;
+  std::vector<std::size_t> starts;  // first unit of each character
+  for (const MeasuredChar& c : measure.chars) {
+    starts.push_back(units.size());
+    if (c.code >= 0x10000 && c.code < 0x110000) {
+      units += static_cast<char16_t>(0xD800 + ((c.code - 0x10000) >> 10));
+      units += static_cast<char16_t>(0xDC00 + ((c.code - 0x10000) & 0x3FF));
+    } else {
+      units += static_cast<char16_t>(c.code < 0x10000 ? c.code : 0xFFFD);
+    }
+  }
+  std::ostringstream body;
+  float pen = margin;
+  Drawing shaped;
+  for (std::size_t begin = 0; begin < measure.chars.size();) {
+    const int font = measure.chars[begin].shownFont;
+    std::size_t end = begin + 1;
+    while (end < measure.chars.size() && measure.chars[end].shownFont == font) ++end;
+    const qro_common::FontInfo* info =
+        manager.GetFontTable()->ResolveFontInfo(font, measure.bold, measure.italic, true);
+    hb_blob_t* blob = info == nullptr || info->GetFilePath() == nullptr
+                          ? nullptr
+                          : hb_blob_create_from_file_or_fail(info->GetFilePath()->c_str());
+    if (blob == nullptr) return false;
+    hb_face_t* face = hb_face_create(blob, info->GetFaceIndex());
+    hb_font_t* hbFont = hb_font_create(face);
+    hb_font_set_scale(hbFont, static_cast<int>(kUnits), static_cast<int>(kUnits));
+    hb_buffer_t* buffer = hb_buffer_create();
+    const std::size_t last = end < starts.size() ? starts[end] : units.size();
+    hb_buffer_add_utf16(buffer, reinterpret_cast<const uint16_t*>(units.data()),
+                        static_cast<int>(units.size()), static_cast<unsigned>(starts[begin]),
+                        static_cast<int>(last - starts[begin]));
+    hb_buffer_guess_segment_properties(buffer);
+    hb_shape(hbFont, buffer, nullptr, 0);
+    unsigned count = 0;
+    const hb_glyph_info_t* glyphs = hb_buffer_get_glyph_infos(buffer, &count);
+    const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, nullptr);
+    for (unsigned g = 0; g < count; ++g) {
+      SvgPath path;
+      float x = pen + static_cast<float>(positions[g].x_offset);
+      float y = baseline - static_cast<float>(positions[g].y_offset);
+      if (manager.GlyphOutlineToPath(info, glyphs[g].codepoint, x, y, &path) == 0) {
+        if (!path.Data().empty()) {
+          body << "  <path d=\"" << path.Data() << "\"><title>glyph " << glyphs[g].codepoint
+               << "</title></path>\n";
+        }
+        ++shaped.glyphs;
+      }
+      pen += static_cast<float>(positions[g].x_advance);
+    }
+    hb_buffer_destroy(buffer);
+    hb_font_destroy(hbFont);
+    hb_face_destroy(face);
+    hb_blob_destroy(blob);
+    begin = end;
+  }
+  shaped.body = body.str();
+  drawing = shaped;
+  return true;
+}
+#endif
+
 }  // namespace
 
 int RunRender(const std::vector<std::string>& args, Console& console) {
@@ -86,6 +162,7 @@ int RunRender(const std::vector<std::string>& args, Console& console) {
   addStyleOptions(parser);
   parser.AddValue("size", "PX", "font size in the SVG (default 48)");
   parser.AddValue("output", "FILE", "SVG file to write", "o");
+  parser.AddFlag("shaped", "draw the glyphs as HarfBuzz shapes the measured clusters");
   parser.SetPositional("TEXT...", "the text (several arguments are joined by spaces)", 1, 0);
   parser.SetEpilog(
       "Exit status: 0 written, 1 a folder or package could not be read, the font is\n"
@@ -116,7 +193,10 @@ int RunRender(const std::vector<std::string>& args, Console& console) {
   if (font < 0) return kExitFailure;
   const bool bold = parser.Has("bold");
   const bool italic = parser.Has("italic");
-  const TextMeasure measure = TextMeasure::Measure(manager, font, decodeUtf8(text), bold, italic);
+  const TextMeasure measure =
+      parser.Has("shaped")
+          ? TextMeasure::MeasureShaped(manager, font, decodeUtf8(text), bold, italic)
+          : TextMeasure::Measure(manager, font, decodeUtf8(text), bold, italic);
 
   float ascent = kUnits * 0.9f;
   float descent = kUnits * 0.25f;
@@ -131,7 +211,14 @@ int RunRender(const std::vector<std::string>& args, Console& console) {
   const float width = static_cast<float>(measure.totalEm) * kUnits + 2 * margin;
   const float height = ascent + descent + 2 * margin;
   const float baseline = margin + ascent;
-  const Drawing drawing = draw(manager, measure, margin, baseline);
+  Drawing drawing;
+#if KELFONT_HARFBUZZ
+  if (!measure.shaped || !drawShaped(manager, measure, margin, baseline, drawing)) {
+    drawing = draw(manager, measure, margin, baseline);
+  }
+#else
+  drawing = draw(manager, measure, margin, baseline);
+#endif
   const double scale = size / kUnits;
 
   const std::string output = parser.Value("output");

@@ -20,6 +20,7 @@ struct MeasuredChar {
   int unitsPerEm = 0;        // of shownFont
   int kerning = 0;           // GetKerningWidth(previous, this) in the requested font
   float kerningRatio = 0;    // kerning / em of the requested font
+  bool clusterStart = true;  // shaped: a cluster begins here (ratio is the cluster's)
 };
 
 // A text measured in one font and style: per character the font that
@@ -31,9 +32,15 @@ struct TextMeasure {
   bool italic = false;
   std::vector<MeasuredChar> chars;
   double totalEm = 0;
+  bool shaped = false;
 
   static TextMeasure Measure(qro_common::FontManager& manager, int font,
                              const std::u32string& text, bool bold, bool italic);
+  // The text measured as shaped (FontManager::MeasureRun): per character
+  // the font of its cluster, the cluster's advance on its first character
+  // (0 on the others), no kerning of its own (shaping includes it).
+  static TextMeasure MeasureShaped(qro_common::FontManager& manager, int font,
+                                   const std::u32string& text, bool bold, bool italic);
 };
 
 }  // namespace kelfont_tool

@@ -1,0 +1,360 @@
+// Runs measured as shaped (FontManager::MeasureRun) with the Android fonts
+// and lists, against HarfBuzz shaping the same sub-runs in the same font
+// files; the cases are the lines of tests/data/shaped_runs.txt.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "api/kelfont.h"
+#include "common/font_info/FontInfo.h"
+#include "common/manager/RunMeasurer.h"
+#include "common/registry/FontTable.h"
+#include "native/DefaultFontInfoFileExtracter.h"
+#include "tests/support/TempDir.h"
+#include "tests/tools/ToolTestSupport.h"
+#include "tools/kelfont/ToolFontManager.h"
+
+#if KELFONT_HARFBUZZ
+#include <hb.h>
+#endif
+
+namespace {
+
+using qro_common::RunMeasure;
+
+std::u16string utf16(const std::u32string& codes) {
+  std::u16string out;
+  for (char32_t c : codes) {
+    if (c >= 0x10000) {
+      out += static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
+      out += static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
+    } else {
+      out += static_cast<char16_t>(c);
+    }
+  }
+  return out;
+}
+
+std::u32string utf32(const std::string& utf8) {
+  std::u32string out;
+  for (std::size_t i = 0; i < utf8.size();) {
+    const unsigned char b = static_cast<unsigned char>(utf8[i]);
+    const int n = b < 0x80 ? 1 : b < 0xE0 ? 2 : b < 0xF0 ? 3 : 4;
+    char32_t c = n == 1 ? b : b & (0x7F >> n);
+    for (int k = 1; k < n; ++k) c = (c << 6) | (static_cast<unsigned char>(utf8[i + k]) & 0x3F);
+    out += c;
+    i += static_cast<std::size_t>(n);
+  }
+  return out;
+}
+
+// The words of the day and month names of a glibc locale source.
+std::vector<std::u16string> localeWords(const std::string& name) {
+  std::ifstream in("/usr/share/i18n/locales/" + name);
+  std::vector<std::u16string> words;
+  bool inList = false;
+  for (std::string line; std::getline(in, line);) {
+    std::istringstream fields(line);
+    std::string key;
+    fields >> key;
+    if (!inList && key != "day" && key != "abday" && key != "mon" && key != "abmon") continue;
+    inList = !line.empty() && line.back() == '/';
+    std::u32string word;
+    bool quoted = false;
+    for (std::size_t i = line.find('"'); i < line.size(); ++i) {
+      if (line[i] == '"' || (quoted && line[i] == ' ')) {
+        if (!word.empty()) words.push_back(utf16(word));
+        word.clear();
+        if (line[i] == '"') quoted = !quoted;
+      } else if (quoted && line.compare(i, 2, "<U") == 0) {
+        word += static_cast<char32_t>(std::strtoul(line.c_str() + i + 2, nullptr, 16));
+        i = line.find('>', i);
+      } else if (quoted) {
+        word += static_cast<unsigned char>(line[i]);
+      }
+    }
+  }
+  return words;
+}
+
+std::string trim(const std::string& s) {
+  const std::size_t b = s.find_first_not_of(' '), e = s.find_last_not_of(' ');
+  return b == std::string::npos ? "" : s.substr(b, e - b + 1);
+}
+
+class ShapedRun : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    const char* corpus = std::getenv("KELFONT_ANDROID_FONTS");
+    if (corpus == nullptr || *corpus == '\0') return;
+    dir_ = new kelfont_test::TempDir();
+    std::string err;
+    if (kelfont_test::runTool(
+            {"pack", "--quiet", "--lists", std::string(KELFONT_DATA_DIR) + "/android", "-o",
+             dir_->file("qrfont.zip"), "--fonts", corpus},
+            nullptr, &err) != 0) {
+      ADD_FAILURE() << err;
+      return;
+    }
+    const std::string storage = dir_->file("storage/");
+    extracter_ = new qro_ni::DefaultFontInfoFileExtracter(storage, dir_->path() + "/");
+    manager_ = new kelfont_tool::ToolFontManager(extracter_, storage, {corpus});
+    manager_->Initialize();
+  }
+  static void TearDownTestSuite() {
+    delete manager_;
+    delete extracter_;
+    delete dir_;
+    manager_ = nullptr;
+  }
+  void SetUp() override {
+    if (manager_ == nullptr) {
+      GTEST_SKIP() << "needs the Android font corpus: KELFONT_ANDROID_FONTS=DIR after "
+                      "scripts/android-fonts.sh DIR";
+    }
+  }
+
+  static RunMeasure measure(int font, const std::u16string& text) {
+    RunMeasure m;
+    EXPECT_TRUE(manager_->MeasureRun(font, false, false, text.data(), text.size(), m));
+    return m;
+  }
+
+  // HarfBuzz's shaping of the run's sub-runs (consecutive units of one
+  // font) in the font files, each glyph's advance given to the measured
+  // cluster of its HarfBuzz cluster; checks that the measured clusters
+  // begin where HarfBuzz's do. Returns the total.
+  static double expectShapedLikeHarfBuzz(const std::u16string& text, const RunMeasure& m,
+                                         const std::string& what) {
+#if KELFONT_HARFBUZZ
+    std::vector<double> expected(text.size(), 0.0);
+    double total = 0;
+    for (std::size_t begin = 0; begin < text.size();) {
+      std::size_t end = begin + 1;
+      while (end < text.size() && m.fonts[end] == m.fonts[begin]) ++end;
+      const qro_common::FontInfo* info =
+          manager_->GetFontTable()->ResolveFontInfo(m.fonts[begin], false, false, true);
+      EXPECT_TRUE(info != nullptr && info->GetFilePath() != nullptr) << what;
+      if (info == nullptr || info->GetFilePath() == nullptr) return 0;
+      hb_blob_t* blob = hb_blob_create_from_file(info->GetFilePath()->c_str());
+      hb_face_t* face = hb_face_create(blob, info->GetFaceIndex());
+      hb_font_t* font = hb_font_create(face);
+      const int upem = static_cast<int>(hb_face_get_upem(face));
+      hb_font_set_scale(font, upem, upem);
+      hb_buffer_t* buffer = hb_buffer_create();
+      hb_buffer_add_utf16(buffer, reinterpret_cast<const uint16_t*>(text.data()),
+                          static_cast<int>(text.size()), static_cast<unsigned>(begin),
+                          static_cast<int>(end - begin));
+      if (const char* language = qro_common::RunMeasurer::LanguageOf(manager_->GetUILangCode())) {
+        hb_buffer_set_language(buffer, hb_language_from_string(language, -1));
+      }
+      hb_buffer_guess_segment_properties(buffer);
+      hb_shape(font, buffer, nullptr, 0);
+      unsigned count = 0;
+      hb_glyph_info_t* glyphs = hb_buffer_get_glyph_infos(buffer, &count);
+      hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, nullptr);
+      std::vector<bool> hbStart(text.size(), false);
+      for (unsigned g = 0; g < count; ++g) {
+        std::size_t owner = glyphs[g].cluster;
+        hbStart[owner] = true;
+        while (owner > begin && !m.clusterStarts[owner]) --owner;
+        expected[owner] += static_cast<double>(positions[g].x_advance) / upem;
+        total += static_cast<double>(positions[g].x_advance) / upem;
+      }
+      for (std::size_t u = begin + 1; u < end; ++u) {
+        EXPECT_EQ(m.clusterStarts[u] != 0, hbStart[u]) << what << ": unit " << u;
+      }
+      hb_buffer_destroy(buffer);
+      hb_font_destroy(font);
+      hb_face_destroy(face);
+      hb_blob_destroy(blob);
+      begin = end;
+    }
+    EXPECT_NEAR(m.totalEm, total, 1e-4) << what;
+    for (std::size_t u = 0; u < text.size(); ++u) {
+      EXPECT_NEAR(m.advances[u], expected[u], 1e-4) << what << ": unit " << u;
+    }
+    return total;
+#else
+    (void)text, (void)m, (void)what;
+    return 0;
+#endif
+  }
+
+  // The per-character path: advance ratios plus the kerning of the font
+  // that shows each pair.
+  static double perCharacter(int font, const std::u16string& text) {
+    double total = 0;
+    int previousFont = -1;
+    unsigned previous = 0;
+    for (char16_t unit : text) {
+      int shownFont = font;
+      unsigned code = unit;
+      manager_->ConfirmVisibleChar(shownFont, code, false, false);
+      total += manager_->GetCharAdvanceRatio(font, unit, false, false);
+      if (shownFont == previousFont) {
+        const auto* metrics = manager_->GetFontTable()
+                                  ->ResolveFontInfo(shownFont, false, false, true)
+                                  ->GetFontMetrics();
+        total += static_cast<double>(
+                     manager_->GetKerningWidth(shownFont, false, false, previous, unit)) /
+                 metrics->GetUnitsPerEm();
+      }
+      previousFont = shownFont;
+      previous = unit;
+    }
+    return total;
+  }
+
+  static kelfont_test::TempDir* dir_;
+  static qro_ni::DefaultFontInfoFileExtracter* extracter_;
+  static kelfont_tool::ToolFontManager* manager_;
+};
+
+kelfont_test::TempDir* ShapedRun::dir_ = nullptr;
+qro_ni::DefaultFontInfoFileExtracter* ShapedRun::extracter_ = nullptr;
+kelfont_tool::ToolFontManager* ShapedRun::manager_ = nullptr;
+
+TEST_F(ShapedRun, DataLinesMatchHarfBuzzAndThePerCharacterPath) {
+  std::ifstream in(std::string(KELFONT_TEST_SOURCE_DIR) + "/data/shaped_runs.txt");
+  ASSERT_TRUE(in.good());
+  int lines = 0;
+  for (std::string line; std::getline(in, line);) {
+    if (line.empty() || line[0] == '#') continue;
+    ++lines;
+    std::istringstream parts(line);
+    std::string kind, fontName, shownBy, source;
+    parts >> kind;
+    std::getline(parts, fontName, '|');
+    if (kind == "single") std::getline(parts, shownBy, '|');
+    parts >> source;
+    std::string rest;
+    std::getline(parts, rest);
+    const int font = manager_->GetFontIndex(trim(fontName));
+    ASSERT_GE(font, 0) << line;
+    std::vector<std::u16string> runs;
+    if (source == "locale") {
+      runs = localeWords(trim(rest));
+      EXPECT_GE(runs.size(), 12u) << line;
+    } else if (source == "text") {
+      runs.push_back(utf16(utf32(trim(rest))));
+    } else {
+      std::istringstream hex(source == "codes" ? rest : source + rest);
+      std::u32string codes;
+      for (std::string code; hex >> code;)
+        codes += static_cast<char32_t>(std::stoul(code, nullptr, 16));
+      runs.push_back(utf16(codes));
+    }
+    for (const std::u16string& run : runs) {
+      const RunMeasure m = measure(font, run);
+      const std::string what = line + " #" + std::to_string(&run - runs.data());
+      if (kind == "plain") {
+        EXPECT_NEAR(m.totalEm, perCharacter(font, run), 1e-4) << what;
+        continue;
+      }
+      expectShapedLikeHarfBuzz(run, m, what);
+      if (kind == "single") {
+        std::vector<std::uint8_t> one(run.size(), 0);
+        one[0] = 1;
+        EXPECT_EQ(m.clusterStarts, one) << what;
+        EXPECT_EQ(manager_->GetFontName(m.fonts[0]), trim(shownBy)) << what;
+      }
+    }
+  }
+  EXPECT_GT(lines, 0);
+}
+
+// Unpaired surrogates count as U+FFFD; a lone joiner, 10,000 marks on one
+// base and a run of 1 MB are measured, none near a hang.
+TEST_F(ShapedRun, HostileRunsAreMeasured) {
+  const int font = manager_->GetFontIndex("Roboto");
+  const RunMeasure replacement = measure(font, u"\uFFFD");
+  const RunMeasure lone = measure(font, std::u16string{u'a', 0xD800, u'b', 0xDC00});
+  EXPECT_EQ(lone.advances[1], replacement.totalEm);
+  EXPECT_EQ(lone.advances[3], replacement.totalEm);
+  EXPECT_EQ(lone.clusterStarts, (std::vector<std::uint8_t>{1, 1, 1, 1}));
+  EXPECT_GE(measure(font, u"\u200D").totalEm, 0.0f);
+
+  std::u16string marks = u"a" + std::u16string(10000, u'\u0301');
+  std::u16string big;
+  while (big.size() < (1u << 20))
+    big += u"Hello \u0645\u0631\u062D\u0628\u0627 \U0001F468\u200D\U0001F469 ";
+  for (const std::u16string* run : {&marks, &big}) {
+    const auto start = std::chrono::steady_clock::now();
+    const RunMeasure m = measure(font, *run);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+    double sum = 0;
+    for (float a : m.advances) sum += a;
+    EXPECT_NEAR(m.totalEm, sum, 1e-3 * sum);
+    EXPECT_GT(m.totalEm, 0.0f);
+  }
+  const RunMeasure m = measure(font, marks);
+  EXPECT_EQ(std::count(m.clusterStarts.begin(), m.clusterStarts.end(), 1), 1);
+}
+
+// Eight threads measure the locale words with cold caches, as one thread
+// did; then the entry point gives the same answers and refuses bad calls.
+TEST_F(ShapedRun, ThreadsAndTheEntryPointAnswerAsOne) {
+  const int font = manager_->GetFontIndex("Roboto");
+  std::vector<std::u16string> words;
+  for (const char* locale : {"ar_SA", "hi_IN", "th_TH", "my_MM", "ko_KR"}) {
+    for (const std::u16string& word : localeWords(locale)) words.push_back(word);
+  }
+  std::vector<RunMeasure> expected;
+  for (const std::u16string& word : words) expected.push_back(measure(font, word));
+  manager_->GetRunMeasurer().Clear();
+  std::vector<int> mismatches(8, 0);
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 8; ++t) {
+    threads.emplace_back([&, t] {
+      for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::size_t k = (i * 7 + static_cast<std::size_t>(t) * 13) % words.size();
+        RunMeasure m;
+        manager_->MeasureRun(font, false, false, words[k].data(), words[k].size(), m);
+        mismatches[static_cast<std::size_t>(t)] += m.advances != expected[k].advances ||
+                                                   m.fonts != expected[k].fonts ||
+                                                   m.clusterStarts != expected[k].clusterStarts;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(mismatches, std::vector<int>(8, 0));
+
+  qro_common::FontManager* previous = qro_common::FontManager::instance;
+  qro_common::FontManager::instance = manager_;
+  const std::u16string& word = words.front();
+  const auto* units = reinterpret_cast<const unsigned short*>(word.data());
+  const int length = static_cast<int>(word.size());
+  float total = 0;
+  std::vector<float> advances(word.size());
+  std::vector<int> fonts(word.size());
+  std::vector<unsigned char> starts(word.size());
+  EXPECT_EQ(MeasureTextRun(font, false, false, units, length, total, advances.data(), fonts.data(),
+                           starts.data()),
+            0);
+  EXPECT_EQ(total, expected.front().totalEm);
+  EXPECT_EQ(advances, expected.front().advances);
+  EXPECT_EQ(fonts, expected.front().fonts);
+  EXPECT_EQ(MeasureTextRun(font, false, false, units, 0, total, nullptr, nullptr, nullptr), 0);
+  EXPECT_EQ(total, 0.0f);
+  EXPECT_EQ(MeasureTextRun(font, false, false, units, -1, total, nullptr, nullptr, nullptr), -1);
+  EXPECT_EQ(MeasureTextRun(font, false, false, nullptr, 1, total, nullptr, nullptr, nullptr), -1);
+  EXPECT_EQ(MeasureTextRun(100000, false, false, units, length, total, nullptr, nullptr, nullptr),
+            -1);
+  qro_common::FontManager::instance = nullptr;
+  EXPECT_EQ(MeasureTextRun(font, false, false, units, length, total, nullptr, nullptr, nullptr),
+            -1);
+  qro_common::FontManager::instance = previous;
+}
+
+}  // namespace
