@@ -80,6 +80,22 @@ TEST(Measure, JsonGivesTheLibrarysAnswersPerCharacter) {
   EXPECT_NEAR(std::strtod(totals[1].str().c_str(), nullptr), total, 1e-6);
 }
 
+// A road that ends without any font (no lists, one font lacking the
+// character) says so instead of naming the requested font.
+TEST(Fallback, ARoadWithoutAFontSaysSo) {
+  TempDir dir;
+  const std::string fonts = dir.path();  // the storage below it is not entered
+  ASSERT_TRUE(kelfont_test::writeFile(dir.file("basic.ttf"),
+                                      kelfont_test::readFile(kelfont_test::testFontPath("basic.ttf"))));
+  std::string out, err;
+  ASSERT_EQ(kelfont_test::runTool({"fallback", "--storage", dir.file("tool"), "--fonts", fonts,
+                                   "--font", "KelTest Basic", "U+0E01"},
+                                  &out, &err),
+            0)
+      << err;
+  EXPECT_NE(out.find("\n  => shown by no font; advance 0.000000 em\n"), std::string::npos) << out;
+}
+
 TEST(Render, DrawsTheGlyphOutlineAtThePenOnTheBaseline) {
   TempDir dir;
   const std::string svg = dir.file("a.svg");

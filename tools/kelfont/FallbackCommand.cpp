@@ -109,9 +109,15 @@ void showRoad(ToolFontManager& manager, int font, char32_t code, bool bold, bool
   int shownFont = font;
   unsigned shownCode = static_cast<unsigned>(code);
   const bool substituted = manager.ConfirmVisibleChar(shownFont, shownCode, bold, italic);
-  out << "  => shown by " << manager.GetFontName(shownFont) << " (" << shownFont << ")";
-  if (shownCode != static_cast<unsigned>(code)) out << " as " << codeName(shownCode);
-  out << (substituted ? ", a fallback" : ", the requested font") << "; advance "
+  if (!substituted && !manager.IsVisibleChar(font, c)) {
+    // The road ended without a font (not even the last default's space).
+    out << "  => shown by no font";
+  } else {
+    out << "  => shown by " << manager.GetFontName(shownFont) << " (" << shownFont << ")";
+    if (shownCode != static_cast<unsigned>(code)) out << " as " << codeName(shownCode);
+    out << (substituted ? ", a fallback" : ", the requested font");
+  }
+  out << "; advance "
       << fixed(manager.GetCharAdvanceRatio(font, static_cast<unsigned>(code), bold, italic), 6)
       << " em\n";
 }
