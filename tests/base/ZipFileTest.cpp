@@ -56,6 +56,13 @@ TEST_P(ZipFileBackEnd, ListsAndReadsAnIndependentlyWrittenArchive) {
     }
     qro_base::ZipEntryInputStream in(zip, "FC");
     EXPECT_FALSE(in.IsOpen());
+    // The back end stops at the end of the entry.
+    ASSERT_TRUE(zip.GetImpl()->OpenEntry("Fdata/0"));
+    std::vector<char> buffer(256);
+    EXPECT_EQ(zip.GetImpl()->ReadEntry(buffer.data(), 100000), 256);
+    EXPECT_EQ(zip.GetImpl()->ReadEntry(buffer.data(), 100000), 0);
+    EXPECT_TRUE(zip.GetImpl()->CloseEntry());
+    EXPECT_FALSE(zip.GetImpl()->CloseEntry());
     EXPECT_TRUE(capture.lines().empty());
   }
   auto lines = capture.lines();
