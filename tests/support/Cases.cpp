@@ -44,8 +44,8 @@ std::string unescape(const std::string& text) {
     if (c == 'x') {
       out += static_cast<char>(std::strtol(text.substr(i + 1, 2).c_str(), nullptr, 16));
       i += 2;
-    } else if (c == 'n' || c == 't' || c == '0' || c == '\\') {
-      out += c == 'n' ? '\n' : c == 't' ? '\t' : c == '0' ? '\0' : '\\';
+    } else if (c == 'n' || c == 'r' || c == 't' || c == '0' || c == '\\') {
+      out += c == 'n' ? '\n' : c == 'r' ? '\r' : c == 't' ? '\t' : c == '0' ? '\0' : '\\';
     } else {  // kept for the test to read (\u0041)
       out += '\\';
       out += c;

@@ -1,7 +1,7 @@
 #pragma once
 // Cases kept as data: tests/data/NAME, one case a line, fields separated by
 // tabs; blank lines and lines starting with '#' are left out. Fields may use
-// C escapes (\t \n \\ \xHH).
+// C escapes (\t \n \r \0 \\ \xHH).
 #include <string>
 #include <vector>
 
