@@ -23,20 +23,7 @@ using kelfont_test::Case;
 using qro_base::MathUtil;
 using Map = qro_base::AKHashMap<char, unsigned short>;
 
-// A UTF-16 text from the field's bytes, "\\u" followed by four hex digits
-// giving one unit.
-qro_base::u16string u16(const std::string& text) {
-  qro_base::u16string out;
-  for (size_t i = 0; i < text.size(); ++i) {
-    if (text.compare(i, 2, "\\u") == 0) {
-      out.push_back(static_cast<unsigned short>(std::stoul(text.substr(i + 2, 4), nullptr, 16)));
-      i += 5;
-    } else {
-      out.push_back(static_cast<unsigned char>(text[i]));
-    }
-  }
-  return out;
-}
+qro_base::u16string u16(const std::string& text) { return kelfont_test::units(text); }
 
 std::string str(double v, int precision = 15) {
   std::ostringstream out;

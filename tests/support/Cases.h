@@ -18,6 +18,8 @@ std::vector<Case> cases(const std::string& name);
 std::string unescape(const std::string& text);
 // Bytes from hex digits; other characters are ignored ("01 7F00": 01 7F 00).
 std::string unhex(const std::string& text);
+// UTF-16 units of a text: its bytes one by one, "\\u" and four hex digits one unit.
+std::basic_string<unsigned short> units(const std::string& text);
 // The bytes as C-escaped text: printable ASCII as it is, others as \xHH.
 std::string escape(const std::string& bytes);
 
