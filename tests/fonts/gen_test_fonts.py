@@ -233,9 +233,6 @@ def describe(font, face_index):
                   "codePageRange %d %d" % (os2.ulCodePageRange1, os2.ulCodePageRange2)]
     else:
         lines.append("os2 none")
-    if "PCLT" in font:
-        lines.append("pclt %d" % struct.unpack(">H", font.getTableData("PCLT")[8:10])[0])
-    lines.append("vertical %d" % ("vhea" in font and "vmtx" in font))
     lines += ["name %d %d %d %d %s" % (r.platformID, r.platEncID, r.langID, r.nameID,
                                       r.toBytes().hex()) for r in font["name"].names]
     chars = sorted(cmap_of(font).items())
