@@ -77,17 +77,23 @@ std::vector<Face> standardFaces() {
     std::istringstream words(c[4]);
     for (std::string word; std::getline(words, word, ';');) {
       size_t eq = word.find('=');
-      std::string key = word.substr(0, eq), value = eq == std::string::npos ? "" : word.substr(eq + 1);
+      std::string key = word.substr(0, eq),
+                  value = eq == std::string::npos ? "" : word.substr(eq + 1);
       if (key == "bands") {
-        for (size_t b = 0; b < boldBands().size(); ++b) face.advances[0x21 + b] = boldBands()[b].advance;
+        for (size_t b = 0; b < boldBands().size(); ++b)
+          face.advances[0x21 + b] = boldBands()[b].advance;
       } else if (key.rfind("U+", 0) == 0) {
-        face.advances[std::stoul(key.substr(2), nullptr, 16)] = static_cast<unsigned short>(std::stoi(value));
+        face.advances[std::stoul(key.substr(2), nullptr, 16)] =
+            static_cast<unsigned short>(std::stoi(value));
       } else if (key == "kern") {
-        face.kerning.emplace_back(value[0], value[2], static_cast<short>(std::stoi(value.substr(4))));
+        face.kerning.emplace_back(value[0], value[2],
+                                  static_cast<short>(std::stoi(value.substr(4))));
       } else if (key == "empty") {
         face.emptyAdvanceTable = true;
       } else if (key == "missing" || key == "truncated" || key == "damaged") {
-        face.dataFile = key == "missing" ? DataFile::kMissing : key == "truncated" ? DataFile::kTruncated : DataFile::kDamaged;
+        face.dataFile = key == "missing"     ? DataFile::kMissing
+                        : key == "truncated" ? DataFile::kTruncated
+                                             : DataFile::kDamaged;
       } else {
         face.localizedNames[std::stoi(key, nullptr, 16)] = value;
       }

@@ -1,8 +1,8 @@
-#include "base/AKHashMap.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
+
+#include "base/AKHashMap.h"
 
 namespace {
 

@@ -1,5 +1,3 @@
-#include "base/CharacterType.h"
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -7,6 +5,7 @@
 #include <map>
 #include <string>
 
+#include "base/CharacterType.h"
 #include "base/CharacterTypeData.h"
 
 namespace {
@@ -26,7 +25,8 @@ TEST(CharacterTypeFlags, WhiteSpaceIsExactlyTheUnicodeSet) {
            cp == 0x205F || cp == 0x3000;
   };
   for (unsigned cp = 0; cp < 0x10000; ++cp) {
-    EXPECT_EQ((CharacterType::charTypes[cp] & CharacterType::kSpace) != 0, isSpace(cp)) << std::hex << cp;
+    EXPECT_EQ((CharacterType::charTypes[cp] & CharacterType::kSpace) != 0, isSpace(cp))
+        << std::hex << cp;
   }
 }
 

@@ -1,8 +1,8 @@
-#include "base/Environment.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
+
+#include "base/Environment.h"
 
 namespace {
 

@@ -35,7 +35,9 @@ TEST(FileOutputStream, OverwritesWithoutTruncatingByDefaultAndHonoursTheMode) {
     EXPECT_TRUE(truncating.Write("XY", 2));
     EXPECT_TRUE(appending.Write("XY", 2));
   }
-  EXPECT_EQ(readFile(dir.file("f")), std::string("X\x00" "cdZf", 6));
+  EXPECT_EQ(readFile(dir.file("f")), std::string("X\x00"
+                                                 "cdZf",
+                                                 6));
   EXPECT_EQ(readFile(dir.file("new")), "XY");
   EXPECT_EQ(readFile(dir.file("w")), "XY");
   EXPECT_EQ(readFile(dir.file("a")), "abcXY");

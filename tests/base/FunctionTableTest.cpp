@@ -43,7 +43,9 @@ std::string locale(const qro_base::Locale& l) { return l.GetLanguage() + "|" + l
 const char* orNull(const std::string& s) { return s == "NULL" ? nullptr : s.c_str(); }
 
 std::string floatText(const Case& c) {
-  double value = c[1] == "nan" ? NAN : c[1] == "-inf" ? -INFINITY : std::strtod(c[1].c_str(), nullptr);
+  double value = c[1] == "nan"    ? NAN
+                 : c[1] == "-inf" ? -INFINITY
+                                  : std::strtod(c[1].c_str(), nullptr);
   std::vector<char> narrow(330 + c.num(2));
   std::vector<unsigned short> wide(330 + c.num(2));
   std::string text = qro_base::FloatToArray(value, c.num(2), narrow.data(), c[3] == "fixed");
@@ -64,7 +66,9 @@ const std::map<std::string, std::function<std::string(const Case&)>> kFunctions 
        return std::to_string(qro_base::atoi_utf16_2(v.data(), static_cast<unsigned>(c.num(2))));
      }},
     {"atof",
-     [](const Case& c) { return str(qro_base::atof_utf16(c[1] == "NULL" ? nullptr : u16(c[1]).c_str())); }},
+     [](const Case& c) {
+       return str(qro_base::atof_utf16(c[1] == "NULL" ? nullptr : u16(c[1]).c_str()));
+     }},
     {"atof2",
      [](const Case& c) {
        auto t = u16(c[1]);
@@ -78,8 +82,14 @@ const std::map<std::string, std::function<std::string(const Case&)>> kFunctions 
        qro_base::utf16ToUtf8(u16(c[1]), out);
        return out;
      }},
-    {"upper", [](const Case& c) { return hex(qro_base::CharacterType::ToUpperCase(static_cast<unsigned short>(c.num(1)))); }},
-    {"lower", [](const Case& c) { return hex(qro_base::CharacterType::ToLowerCase(static_cast<unsigned short>(c.num(1)))); }},
+    {"upper",
+     [](const Case& c) {
+       return hex(qro_base::CharacterType::ToUpperCase(static_cast<unsigned short>(c.num(1))));
+     }},
+    {"lower",
+     [](const Case& c) {
+       return hex(qro_base::CharacterType::ToLowerCase(static_cast<unsigned short>(c.num(1))));
+     }},
     {"flags", [](const Case& c) { return hex(qro_base::CharacterType::charTypes[c.num(1)]); }},
     {"round",
      [](const Case& c) {
@@ -89,7 +99,9 @@ const std::map<std::string, std::function<std::string(const Case&)>> kFunctions 
      }},
     {"arctan",
      [](const Case& c) {
-       return str(MathUtil::ArcTan(std::strtof(c[1].c_str(), nullptr), std::strtof(c[2].c_str(), nullptr)), 6);
+       return str(
+           MathUtil::ArcTan(std::strtof(c[1].c_str(), nullptr), std::strtof(c[2].c_str(), nullptr)),
+           6);
      }},
     {"degree",
      [](const Case& c) {
@@ -101,8 +113,9 @@ const std::map<std::string, std::function<std::string(const Case&)>> kFunctions 
      }},
     {"buckets",
      [](const Case& c) {
-       return std::to_string(Map(static_cast<unsigned>(c.num(1)), 10, qro_base::AKHashMapHashMethodDefault)
-                                 .GetBucketCount());
+       return std::to_string(
+           Map(static_cast<unsigned>(c.num(1)), 10, qro_base::AKHashMapHashMethodDefault)
+               .GetBucketCount());
      }},
     {"hash",
      [](const Case& c) {
@@ -112,22 +125,29 @@ const std::map<std::string, std::function<std::string(const Case&)>> kFunctions 
     {"locale", [](const Case& c) { return locale(qro_base::Locale(orNull(c[1]), orNull(c[2]))); }},
     {"locale-string", [](const Case& c) { return locale(qro_base::Locale(c[1], c[2])); }},
     {"locale-create",
-     [](const Case& c) { return locale(*std::unique_ptr<qro_base::Locale>(qro_base::Locale::Create(orNull(c[1])))); }},
-    {"rtl", [](const Case& c) { return std::to_string(qro_base::Locale(c[1].c_str(), "").IsLanguageForRTL()); }},
+     [](const Case& c) {
+       return locale(*std::unique_ptr<qro_base::Locale>(qro_base::Locale::Create(orNull(c[1]))));
+     }},
+    {"rtl",
+     [](const Case& c) {
+       return std::to_string(qro_base::Locale(c[1].c_str(), "").IsLanguageForRTL());
+     }},
     {"input-language",
      [](const Case& c) {
        qro_base::Environment env;
        env.SetInputLanguage("ar");
        env.SetInputLanguage(c[1].c_str());
        const auto& info = env.GetKeyboardLayoutInfo();
-       return env.GetInputLanguage() + " " + std::to_string(info.langCode) + " " + std::to_string(info.rightToLeft);
+       return env.GetInputLanguage() + " " + std::to_string(info.langCode) + " " +
+              std::to_string(info.rightToLeft);
      }},
     {"input-code",  // applied in the order of the table, each after the one before
      [](const Case& c) {
        static qro_base::Environment env;
        env.SetInputLanguageCode(static_cast<int>(c.num(1)));
        const auto& info = env.GetKeyboardLayoutInfo();
-       return env.GetInputLanguage() + " " + std::to_string(info.langCode) + " " + std::to_string(info.rightToLeft);
+       return env.GetInputLanguage() + " " + std::to_string(info.langCode) + " " +
+              std::to_string(info.rightToLeft);
      }},
 };
 

@@ -50,23 +50,29 @@ TEST(InputStreams, Scripts) {
     qro_base::ensureEnvironment().SetCharsetConverterManager(
         kind == "reader-nomanager" ? nullptr : new qro_base::DefaultCharsetConverterManager());
     if (kind == "memory") {
-      in.reset(new qro_base::MemoryInputStream(source.data(), static_cast<unsigned>(source.size())));
+      in.reset(
+          new qro_base::MemoryInputStream(source.data(), static_cast<unsigned>(source.size())));
     } else if (kind == "memory-null") {
       in.reset(new qro_base::MemoryInputStream(nullptr, size));
     } else if (kind == "file") {
       // 0: the source, 1: missing, 2: a folder, 3: below a plain file, 4: no path
-      const std::string paths[] = {dir.file("f"), dir.file("missing"), dir.path(), dir.file("plain/below")};
+      const std::string paths[] = {dir.file("f"), dir.file("missing"), dir.path(),
+                                   dir.file("plain/below")};
       in.reset(size == 4 ? new qro_base::FileInputStream(static_cast<const char*>(nullptr))
                          : new qro_base::FileInputStream(paths[size]));
     } else if (kind == "buffered" || kind == "buffered-file") {
       in.reset(new qro_base::BufferedInputStream(
-          kind == "buffered" ? static_cast<qro_base::InputStream*>(owned.release()) : new qro_base::FileInputStream(dir.file("f")), size));
+          kind == "buffered" ? static_cast<qro_base::InputStream*>(owned.release())
+                             : new qro_base::FileInputStream(dir.file("f")),
+          size));
     } else if (kind == "partial") {
       in.reset(new qro_base::PartialInputStream(*memory, size));
     } else if (kind.rfind("reader", 0) == 0) {
-      qro_base::InputStream* from = kind == "reader-file" ? new qro_base::FileInputStream(dir.file("f"))
-                                                          : static_cast<qro_base::InputStream*>(owned.release());
-      in.reset(new qro_base::BufferedReader(from, kind == "reader-949" ? 949 : qro_base::kEncodingUtf8, size));
+      qro_base::InputStream* from = kind == "reader-file"
+                                        ? new qro_base::FileInputStream(dir.file("f"))
+                                        : static_cast<qro_base::InputStream*>(owned.release());
+      in.reset(new qro_base::BufferedReader(
+          from, kind == "reader-949" ? 949 : qro_base::kEncodingUtf8, size));
     } else {  // zz:ENTRY or mini:ENTRY
       zip.reset(new qro_base::ZipFile(archive.c_str(), kind == "zz"));
       in.reset(new qro_base::ZipEntryInputStream(*zip, c[0].substr(kind.size() + 1).c_str()));
@@ -109,6 +115,8 @@ TEST(InputStreams, Scripts) {
           said << (kind.rfind("reader", 0) == 0 ? (all.empty() ? "''" : units.str()) : token(all));
           break;
         }
+        // One call a line.
+        // clang-format off
         case '=': said << (got == (op == "=stored" ? storedBytes() : deflatedText())); break;
         case 's': said << in->Skip(n); break;
         case 'a': said << in->Available(); break;
@@ -126,6 +134,7 @@ TEST(InputStreams, Scripts) {
         case 'B': said << zip->GetImpl()->CloseEntry(); break;
         case 'N': in.reset(new qro_base::ZipEntryInputStream(*zip, op.c_str() + 1)); said << '.'; break;
         default: FAIL() << "unknown call " << op;
+          // clang-format on
       }
       said << ' ';
     }

@@ -1,6 +1,6 @@
-#include "base/Locale.h"
-
 #include <gtest/gtest.h>
+
+#include "base/Locale.h"
 
 namespace {
 

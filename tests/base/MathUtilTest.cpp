@@ -1,10 +1,10 @@
-#include "base/MathUtil.h"
-
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <cmath>
 #include <limits>
+
+#include "base/MathUtil.h"
 
 namespace {
 

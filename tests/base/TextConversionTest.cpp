@@ -1,5 +1,3 @@
-#include "base/TextConversion.h"
-
 #include <gtest/gtest.h>
 
 #include <cfloat>
@@ -10,6 +8,8 @@
 #include <random>
 #include <string>
 #include <vector>
+
+#include "base/TextConversion.h"
 
 namespace {
 

@@ -1,5 +1,3 @@
-#include "base/ZipEntryOutputStream.h"
-
 #include <gtest/gtest.h>
 
 #include <ctime>
@@ -7,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/ZipEntryOutputStream.h"
 #include "base/ZipFile.h"
 #include "tests/base/ZipTestSupport.h"
 #include "tests/support/Cases.h"
@@ -128,7 +127,8 @@ TEST(ZipEntryOutputStream, NamesTooLongForTheHeaderAreRefused) {
     qro_base::ZipEntry entry(tooLong, 0);
     testing::internal::CaptureStdout();
     EXPECT_FALSE(out.PutNextEntry(entry));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "error in opening " + tooLong + " in zipfile\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "error in opening " + tooLong + " in zipfile\n");
     ASSERT_TRUE(put(out, std::string(65535, 'y'), "fits"));
     ASSERT_TRUE(put(out, "fc", "chain"));
     EXPECT_EQ(out.GetEntries().size(), 3u);

@@ -38,17 +38,22 @@ std::string analyze(const std::string& file, int preferred) {
   if (preferred) analyzer.SetPreferredLanguage(static_cast<unsigned short>(preferred));
   if (!analyzer.Open(kelfont_test::testFontPath(file).c_str(), 0)) return "not opened";
   std::unique_ptr<qro_common::FontInfo> info(analyzer.Analyze());
-  std::string out = std::to_string(info->GetPitch()) + " " + std::to_string(info->HasVerticalMetrics()) +
-                    " " + std::to_string(info->IsCJK()) + " " +
+  std::string out = std::to_string(info->GetPitch()) + " " +
+                    std::to_string(info->HasVerticalMetrics()) + " " +
+                    std::to_string(info->IsCJK()) + " " +
                     (info->GetFontName() ? *info->GetFontName() : "<none>") + " |";
-  for (const auto& [language, name] : info->GetLocalizedNames()) out += " " + hex(language) + "=" + name;
+  for (const auto& [language, name] : info->GetLocalizedNames())
+    out += " " + hex(language) + "=" + name;
   return out;
 }
 
 const std::map<std::string, std::function<std::string(const Case&)>> kFunctions = {
     {"lang", [](const Case& c) { return hex(LangCode::GetLangCode(orNull(c[1]))); }},
     {"lang2", [](const Case& c) { return hex(LangCode::GetLangCode(orNull(c[1]), orNull(c[2]))); }},
-    {"tag", [](const Case& c) { return std::string(LangCode::GetLang(static_cast<unsigned short>(c.num(1)))); }},
+    {"tag",
+     [](const Case& c) {
+       return std::string(LangCode::GetLang(static_cast<unsigned short>(c.num(1))));
+     }},
     {"country",
      [](const Case& c) {
        const char* country = LangCode::GetCountryName(orNull(c[1]));
@@ -63,14 +68,19 @@ const std::map<std::string, std::function<std::string(const Case&)>> kFunctions 
        environment.SetUILocale(saved);
        return hex(code);
      }},
-    {"mac-lang", [](const Case& c) { return hex(qro_common::FontUtils::GetWinLangFromMac(c.num(1))); }},
+    {"mac-lang",
+     [](const Case& c) { return hex(qro_common::FontUtils::GetWinLangFromMac(c.num(1))); }},
     {"byte-size",
-     [](const Case& c) { return std::to_string(qro_common::getByteSize(int(c.num(1)), int(c.num(2)))); }},
+     [](const Case& c) {
+       return std::to_string(qro_common::getByteSize(int(c.num(1)), int(c.num(2))));
+     }},
     {"font-file", [](const Case& c) { return std::to_string(qro_common::isFontFile(c[1])); }},
     {"u2-utf8",
      [](const Case& c) {
        char out[64];
-       EXPECT_EQ(qro_common::FontFileAnalyzer::ConvertU2ToUtf8(out, kelfont_test::units(c[1]).c_str()), out);
+       EXPECT_EQ(
+           qro_common::FontFileAnalyzer::ConvertU2ToUtf8(out, kelfont_test::units(c[1]).c_str()),
+           out);
        return std::string(out);
      }},
     {"u2-utf8-bounded",  // stops before a unit that does not fit, never writes past the size
@@ -78,7 +88,8 @@ const std::map<std::string, std::function<std::string(const Case&)>> kFunctions 
        char out[16];
        std::memset(out, 'X', sizeof out);
        size_t size = static_cast<size_t>(c.num(2));
-       size_t written = qro_common::FontFileAnalyzer::ConvertU2ToUtf8(out, size, kelfont_test::units(c[1]).c_str());
+       size_t written = qro_common::FontFileAnalyzer::ConvertU2ToUtf8(
+           out, size, kelfont_test::units(c[1]).c_str());
        EXPECT_EQ(out[size], 'X') << "wrote past " << size;
        return std::to_string(written) + ":" + (size ? std::string(out) : "");
      }},

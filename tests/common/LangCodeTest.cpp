@@ -1,11 +1,10 @@
-#include "common/analysis/LangCode.h"
-
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <set>
 #include <string>
 
+#include "common/analysis/LangCode.h"
 #include "common/analysis/LangCodeTable.h"
 
 namespace {

@@ -70,7 +70,8 @@ std::basic_string<unsigned short> units(const std::string& text) {
   std::basic_string<unsigned short> out;
   for (size_t i = 0; i < text.size(); ++i) {
     if (text.compare(i, 2, "\\u") == 0 && i + 6 <= text.size()) {
-      out.push_back(static_cast<unsigned short>(std::strtoul(text.substr(i + 2, 4).c_str(), nullptr, 16)));
+      out.push_back(
+          static_cast<unsigned short>(std::strtoul(text.substr(i + 2, 4).c_str(), nullptr, 16)));
       i += 5;
     } else {
       out.push_back(static_cast<unsigned char>(text[i]));

@@ -32,7 +32,8 @@ TEST(CommandLine, BadArgumentsAndMissingInputsGiveAClearMessageAndExitCode) {
     const std::pair<std::string, std::string> places[] = {
         {"$FONTS", fonts}, {"$LISTS", lists}, {"$BROKEN", broken}, {"$DIR", dir.path()}};
     for (const auto& [name, value] : places) {
-      for (size_t at; (at = text.find(name)) != std::string::npos;) text.replace(at, name.size(), value);
+      for (size_t at; (at = text.find(name)) != std::string::npos;)
+        text.replace(at, name.size(), value);
     }
     return text;
   };
@@ -80,7 +81,8 @@ TEST(CommandLine, ListFilesAreCheckedForWhatTheReadersWouldMisread) {
     if (at != std::string::npos) error.replace(at, 5, dir.path());
     EXPECT_EQ(lists.Read(dir.path()), error.empty());
     EXPECT_EQ(lists.GetError(), error);
-    EXPECT_EQ(lists.GetWarnings(), c[3].empty() ? std::vector<std::string>{} : std::vector<std::string>{c[3]});
+    EXPECT_EQ(lists.GetWarnings(),
+              c[3].empty() ? std::vector<std::string>{} : std::vector<std::string>{c[3]});
   }
 }
 
@@ -88,10 +90,13 @@ TEST(CommandLine, ProgressLineFitsOneTerminalLine) {
   using kelfont_tool::ProgressBar;
   EXPECT_EQ(ProgressBar::Render("analysing", 3, 12, "DejaVuSans.ttf"),
             "analysing [######------------------] 3/12 DejaVuSans.ttf");
-  EXPECT_EQ(ProgressBar::Render("analysing", 9, 4, ""), "analysing [########################] 4/4 ");
-  const std::string line = ProgressBar::Render("analysing", 1, 2, std::string(40, 'x') + "한글한글");
+  EXPECT_EQ(ProgressBar::Render("analysing", 9, 4, ""),
+            "analysing [########################] 4/4 ");
+  const std::string line =
+      ProgressBar::Render("analysing", 1, 2, std::string(40, 'x') + "한글한글");
   EXPECT_EQ(line, "analysing [############------------] 1/2 " + std::string(38, 'x'));
-  const std::string korean = ProgressBar::Render("analysing", 1, 2, std::string(36, 'x') + "한글한글");
+  const std::string korean =
+      ProgressBar::Render("analysing", 1, 2, std::string(36, 'x') + "한글한글");
   EXPECT_EQ(korean, "analysing [############------------] 1/2 " + std::string(36, 'x') + "한글");
 }
 

@@ -1,8 +1,6 @@
 // Opening faces and the font-level information of Analyze(), checked
 // against what the font generator read back from its fonts with fontTools.
 
-#include "common/analysis/FontFileAnalyzer.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,6 +11,7 @@
 
 #include "base/Environment.h"
 #include "base/Locale.h"
+#include "common/analysis/FontFileAnalyzer.h"
 #include "common/font_info/FontInfo.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestFonts.h"
@@ -139,7 +138,8 @@ TEST_F(FontFileAnalyzerTest, LongFamilyNameIsCutAtAUnitBoundary) {
   const std::string utf16 = expectedFace("longname.ttf").familyNames().at(0).bytes;
   std::string utf8;
   for (std::size_t i = 0; i + 1 < utf16.size(); i += 2) {
-    unsigned unit = static_cast<unsigned char>(utf16[i]) << 8 | static_cast<unsigned char>(utf16[i + 1]);
+    unsigned unit =
+        static_cast<unsigned char>(utf16[i]) << 8 | static_cast<unsigned char>(utf16[i + 1]);
     utf8 += {char(0xE0 | unit >> 12), char(0x80 | (unit >> 6 & 0x3F)), char(0x80 | (unit & 0x3F))};
   }
   ASSERT_EQ(utf8.size(), 4500u);

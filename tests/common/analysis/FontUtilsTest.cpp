@@ -1,11 +1,10 @@
-#include "common/analysis/FontUtils.h"
-
 #include <gtest/gtest.h>
 
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "common/analysis/FontUtils.h"
 #include "tests/support/Python.h"
 
 namespace {

@@ -30,19 +30,23 @@ std::vector<std::pair<std::string, int>> entries(const std::string& text) {
   return out;
 }
 
-unsigned code(const std::string& hex) { return static_cast<unsigned>(std::stoul(hex, nullptr, 16)); }
+unsigned code(const std::string& hex) {
+  return static_cast<unsigned>(std::stoul(hex, nullptr, 16));
+}
 
 std::string written(const std::string& kind, const std::string& what) {
   ByteSink out;
   if (kind == "metrics") {
     CharMetricsInfo info;
-    for (auto& [c, v] : entries(what)) font_info_test::addAdvance(info, code(c), static_cast<unsigned short>(v));
+    for (auto& [c, v] : entries(what))
+      font_info_test::addAdvance(info, code(c), static_cast<unsigned short>(v));
     EXPECT_TRUE(info.Write(out));
   } else if (kind == "defaults") {
     DefaultFontInfo info;
     for (auto& [c, v] : entries(what)) {
       if (v < 0) {  // a range of the code's block without entries
-        info.SetDefaultFontRange(static_cast<unsigned char>(-v), new SingleDefaultFontRange(code(c), code(c) + 0x7F));
+        info.SetDefaultFontRange(static_cast<unsigned char>(-v),
+                                 new SingleDefaultFontRange(code(c), code(c) + 0x7F));
       } else {
         font_info_test::addDefaultFont(info, code(c), static_cast<short>(v));
       }
@@ -51,7 +55,8 @@ std::string written(const std::string& kind, const std::string& what) {
   } else {
     KerningInfo kerning;
     for (auto& [pair, v] : entries(what)) {
-      kerning.Register(std::stoi(pair), std::stoi(pair.substr(pair.find(',') + 1)), static_cast<short>(v));
+      kerning.Register(std::stoi(pair), std::stoi(pair.substr(pair.find(',') + 1)),
+                       static_cast<short>(v));
     }
     EXPECT_TRUE(kerning.Write(out));
   }
@@ -67,7 +72,8 @@ std::string read(const std::string& kind, const std::string& bytes, const std::s
   std::unique_ptr<DefaultFontInfo> defaults;
   bool ok = false;
   if (kind == "single" || kind == "zipped" || kind == "multi") {
-    range.reset(kind == "single"   ? static_cast<CharMetricsRange*>(new SingleCharMetricsRange(-1, -1))
+    range.reset(kind == "single"
+                    ? static_cast<CharMetricsRange*>(new SingleCharMetricsRange(-1, -1))
                 : kind == "zipped" ? static_cast<CharMetricsRange*>(new ZippedCharMetricsRange())
                                    : new MultiCharMetricsRange(-1));
     ok = range->Read(in);
@@ -90,7 +96,8 @@ std::string read(const std::string& kind, const std::string& bytes, const std::s
     std::string out = "count " + std::to_string(kerning.GetCount());
     std::istringstream words(asked);
     for (std::string w; words >> w;) {
-      out += " " + w + "=" + std::to_string(kerning.GetDelta(std::stoi(w), std::stoi(w.substr(w.find(',') + 1))));
+      out += " " + w + "=" +
+             std::to_string(kerning.GetDelta(std::stoi(w), std::stoi(w.substr(w.find(',') + 1))));
     }
     return out;
   }
@@ -101,7 +108,8 @@ std::string read(const std::string& kind, const std::string& bytes, const std::s
     std::string c = word.substr(0, word.find('='));
     int value = -1;
     if (range && range->Get(code(c))) value = range->Get(code(c))->GetAdvance();
-    if (metrics && metrics->GetCharMetrics(code(c))) value = metrics->GetCharMetrics(code(c))->GetAdvance();
+    if (metrics && metrics->GetCharMetrics(code(c)))
+      value = metrics->GetCharMetrics(code(c))->GetAdvance();
     if (defaults) value = defaults->GetFontIndex(code(c));
     out += (out.empty() ? "" : " ") + c + "=" + (value < 0 ? "-" : std::to_string(value));
   }
@@ -111,7 +119,8 @@ std::string read(const std::string& kind, const std::string& bytes, const std::s
 TEST(ByteFormats, Table) {
   for (const kelfont_test::Case& c : kelfont_test::cases("byte_formats.tsv")) {
     if (c[0].rfind("write-", 0) == 0) {
-      EXPECT_EQ(kelfont_test::escape(written(c[0].substr(6), c[1])), kelfont_test::escape(kelfont_test::unhex(c[2])))
+      EXPECT_EQ(kelfont_test::escape(written(c[0].substr(6), c[1])),
+                kelfont_test::escape(kelfont_test::unhex(c[2])))
           << c.line;
     } else {
       EXPECT_EQ(read(c[0].substr(5), kelfont_test::unhex(c[1]), c[2]), c[3]) << c.line;

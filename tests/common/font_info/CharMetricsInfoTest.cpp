@@ -1,10 +1,9 @@
-#include "common/font_info/CharMetricsInfo.h"
-
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <string>
 
+#include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/MultiCharMetricsRange.h"
 #include "common/font_info/SingleCharMetricsRange.h"
 #include "common/font_info/ZippedCharMetricsRange.h"
@@ -48,8 +47,8 @@ TEST(CharMetricsInfo, RangesInTheWrongSlotAnswerNothing) {
   EXPECT_FALSE(info.IsVisibleChar(0x7F));
   info.SetCharMetricsRange(1, new MultiCharMetricsRange(2));
   EXPECT_EQ(info.GetCharMetrics(0xE9), nullptr);
-  info.SetCharMetricsRange(2, new ZippedCharMetricsRange(0x3000, 0x303F, new CharMetrics(9),
-                                                         new char[8]()));
+  info.SetCharMetricsRange(
+      2, new ZippedCharMetricsRange(0x3000, 0x303F, new CharMetrics(9), new char[8]()));
   EXPECT_EQ(info.GetCharMetrics(0x100), nullptr);
   EXPECT_FALSE(info.IsVisibleChar(0x100));
 }
@@ -58,10 +57,10 @@ TEST(CharMetricsInfo, ZipReplacesUniformRangesOnly) {
   CharMetricsInfo info;
   addAdvance(info, 0x30, 1000);
   addAdvance(info, 0x39, 1000);
-  addAdvance(info, 0xE9, 600);           // bit 1: a single entry stays single
-  addAdvance(info, 0x0250, 500);         // bit 4 block 0: uniform
+  addAdvance(info, 0xE9, 600);    // bit 1: a single entry stays single
+  addAdvance(info, 0x0250, 500);  // bit 4 block 0: uniform
   addAdvance(info, 0x0251, 500);
-  addAdvance(info, 0x1D00, 1);           // bit 4 block 1: mixed
+  addAdvance(info, 0x1D00, 1);  // bit 4 block 1: mixed
   addAdvance(info, 0x1D01, 2);
   info.ZipCharMetricsRanges();
   ASSERT_EQ(info.GetCharMetricsRange(0)->GetType(), CharMetricsRange::kZipped);
@@ -95,9 +94,9 @@ TEST(CharMetricsInfo, RoundTripOfEveryKind) {
   for (unsigned code = 0x20; code < 0x7F; ++code) {
     addAdvance(info, code, static_cast<unsigned short>(code));
   }
-  addAdvance(info, 0x3041, 1000);   // bit 49, will be zipped
+  addAdvance(info, 0x3041, 1000);  // bit 49, will be zipped
   addAdvance(info, 0x3093, 1000);
-  addAdvance(info, 0xAC00, 920);    // bit 56, multi
+  addAdvance(info, 0xAC00, 920);  // bit 56, multi
   addAdvance(info, 0xD7B0, 700);
   addAdvance(info, 0x2F800, 1024);  // bit 61, block 2, outside the BMP
   addAdvance(info, 0x1F0A0, 1);     // bit 127
@@ -109,7 +108,7 @@ TEST(CharMetricsInfo, RoundTripOfEveryKind) {
   ASSERT_TRUE(copy.Read(in));
   EXPECT_EQ(in.Available(), 0u);
   // Each kind of slot is looked up by the code's bit and block.
-  const unsigned cases[][2] = {{0x41, 0x41}, {0x7E, 0x7E}, {0x3093, 1000}, {0xAC00, 920},
+  const unsigned cases[][2] = {{0x41, 0x41},  {0x7E, 0x7E},    {0x3093, 1000}, {0xAC00, 920},
                                {0xD7B0, 700}, {0x2F800, 1024}, {0x1F0A0, 1}};
   for (const auto& c : cases) {
     ASSERT_NE(copy.GetCharMetrics(c[0]), nullptr) << std::hex << c[0];

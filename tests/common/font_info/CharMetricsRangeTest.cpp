@@ -95,8 +95,8 @@ TEST(MultiCharMetricsRange, DelegatesToTheBlockOfTheCode) {
   EXPECT_TRUE(range.IsVisibleChar(0xA960));
   EXPECT_EQ(range.Get(0xAC00), nullptr);  // blocks without a slot
   EXPECT_FALSE(range.IsVisibleChar(0xD7B0));
-  EXPECT_EQ(range.Get(0x41), nullptr);    // not a block of this bit
-  range.SetCharMetricsRange(0, jamo);     // the same range again: kept
+  EXPECT_EQ(range.Get(0x41), nullptr);  // not a block of this bit
+  range.SetCharMetricsRange(0, jamo);   // the same range again: kept
   EXPECT_EQ(range.GetCharMetricsRange(0), jamo);
   range.SetCharMetricsRange(7, new SingleCharMetricsRange(0, 1));  // no such slot
   EXPECT_EQ(range.GetCharMetricsRange(7), nullptr);
@@ -110,8 +110,8 @@ TEST(MultiCharMetricsRange, RoundTripWithSingleAndZippedBlocks) {
   syllables->SetAdvance(0xD7A3, 921);
   range.SetCharMetricsRange(1, syllables);
   char* bits = new char[4]{0x03, 0x00, 0x00, 0x08};  // D7B0, D7B1, D7CB
-  range.SetCharMetricsRange(
-      2, new ZippedCharMetricsRange(0xD7B0, 0xD7CF, new CharMetrics(500), bits));
+  range.SetCharMetricsRange(2,
+                            new ZippedCharMetricsRange(0xD7B0, 0xD7CF, new CharMetrics(500), bits));
   ByteSink out;
   ASSERT_TRUE(range.Write(out));
   std::string body = out.bytes.substr(1);

@@ -1,10 +1,9 @@
-#include "common/font_info/DefaultFontInfo.h"
-
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <string>
 
+#include "common/font_info/DefaultFontInfo.h"
 #include "common/font_info/MultiDefaultFontRange.h"
 #include "common/font_info/SingleDefaultFontRange.h"
 #include "tests/common/font_info/ByteSink.h"

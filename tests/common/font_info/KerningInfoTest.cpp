@@ -1,9 +1,8 @@
-#include "common/font_info/KerningInfo.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "common/font_info/KerningInfo.h"
 #include "tests/common/font_info/ByteSink.h"
 
 namespace {

@@ -48,7 +48,8 @@ struct Lists {
 
 // Chains as "key:member,member;key:...", default fonts as "font,font",
 // script entries as "number=font ...".
-std::string read(Lists& lists, const std::string& kind, const std::string& text, const std::string& pre) {
+std::string read(Lists& lists, const std::string& kind, const std::string& text,
+                 const std::string& pre) {
   std::string out;
   if (kind == "fc") {
     writeFile(lists.data + "FInfo/fc", text);
@@ -60,15 +61,18 @@ std::string read(Lists& lists, const std::string& kind, const std::string& text,
     bool ok = qro_common::FontChainReader(lists.data).Read(lists.table, chains);
     for (auto& [key, members] : chains) {
       out += (out.empty() ? "" : ";") + lists.name(key) + ":";
-      for (size_t i = 0; i < members->size(); ++i) out += (i ? "," : "") + lists.name((*members)[i]);
+      for (size_t i = 0; i < members->size(); ++i)
+        out += (i ? "," : "") + lists.name((*members)[i]);
       delete members;
     }
     return ok ? out : "failed " + out;
   }
   if (kind == "df") {
     writeFile(lists.data + "FInfo/df", text);
-    std::unique_ptr<std::vector<int>> fonts(qro_common::DefaultFontsReader(lists.data).Read(lists.table));
-    for (size_t i = 0; fonts && i < fonts->size(); ++i) out += (i ? "," : "") + lists.name((*fonts)[i]);
+    std::unique_ptr<std::vector<int>> fonts(
+        qro_common::DefaultFontsReader(lists.data).Read(lists.table));
+    for (size_t i = 0; fonts && i < fonts->size(); ++i)
+      out += (i ? "," : "") + lists.name((*fonts)[i]);
     return fonts ? out : "null";
   }
   writeFile(lists.data + "FInfo/sf", text);
@@ -77,7 +81,8 @@ std::string read(Lists& lists, const std::string& kind, const std::string& text,
   std::vector<int>* entries = reader.Read(lists.table);
   EXPECT_EQ(entries->size(), 128u);
   for (size_t i = 0; i < entries->size(); ++i) {
-    if ((*entries)[i] != -1) out += (out.empty() ? "" : " ") + std::to_string(i) + "=" + lists.name((*entries)[i]);
+    if ((*entries)[i] != -1)
+      out += (out.empty() ? "" : " ") + std::to_string(i) + "=" + lists.name((*entries)[i]);
   }
   return out;
 }

@@ -1,9 +1,7 @@
 // The style slots of a font against tests/data/styled_lists.tsv: faces
 // informed in order ("name/style", "-" for no style), "!" confirming the
-// default, "=" the default as it stands, "?name/style" looking a face up; then the slots. Faces are told
-// by their position.
-#include "common/registry/StyledFontInfoList.h"
-
+// default, "=" the default as it stands, "?name/style" looking a face up; then the slots. Faces are
+// told by their position.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -11,6 +9,7 @@
 #include <vector>
 
 #include "common/font_info/FontInfo.h"
+#include "common/registry/StyledFontInfoList.h"
 #include "tests/support/Cases.h"
 
 namespace {
@@ -48,17 +47,22 @@ TEST(StyledFontInfoList, Table) {
         said += std::to_string(list.InformFontInfo(*make(step))) + " ";
       }
     }
-    said += "R" + which(list.GetRegular()) + " B" + which(list.GetBold()) + " I" + which(list.GetItalic()) +
-            " BI" + which(list.GetBoldItalic()) + " D" + which(list.GetDefault());
+    said += "R" + which(list.GetRegular()) + " B" + which(list.GetBold()) + " I" +
+            which(list.GetItalic()) + " BI" + which(list.GetBoldItalic()) + " D" +
+            which(list.GetDefault());
     EXPECT_EQ(said, c[2]) << c.line;
   }
 }
 
 TEST(StyledFontInfoList, ClassifiesStylesBySubstrings) {
-  for (const char* style : {"SemiBold", "bold", "ExtraBold Italic"}) EXPECT_TRUE(qro_common::StyledFontInfoList::IsBoldStyle(style)) << style;
-  for (const char* style : {"BOLD", "Heavy", ""}) EXPECT_FALSE(qro_common::StyledFontInfoList::IsBoldStyle(style)) << style;
-  for (const char* style : {"italic", "Bold oblique"}) EXPECT_TRUE(qro_common::StyledFontInfoList::IsItalicStyle(style)) << style;
-  for (const char* style : {"ITALIC", "Slanted"}) EXPECT_FALSE(qro_common::StyledFontInfoList::IsItalicStyle(style)) << style;
+  for (const char* style : {"SemiBold", "bold", "ExtraBold Italic"})
+    EXPECT_TRUE(qro_common::StyledFontInfoList::IsBoldStyle(style)) << style;
+  for (const char* style : {"BOLD", "Heavy", ""})
+    EXPECT_FALSE(qro_common::StyledFontInfoList::IsBoldStyle(style)) << style;
+  for (const char* style : {"italic", "Bold oblique"})
+    EXPECT_TRUE(qro_common::StyledFontInfoList::IsItalicStyle(style)) << style;
+  for (const char* style : {"ITALIC", "Slanted"})
+    EXPECT_FALSE(qro_common::StyledFontInfoList::IsItalicStyle(style)) << style;
 }
 
 }  // namespace
