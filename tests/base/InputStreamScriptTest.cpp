@@ -130,6 +130,7 @@ TEST(InputStreams, Scripts) {
         case 'C': said << memory->closes; break;
         case 'n': said << memory->reads; break;
         case 'P': in.reset(new qro_base::PartialInputStream(*memory, n)); said << '.'; break;
+        case 'd': said << destroyed; break;
         case 'D': in.reset(); said << destroyed; break;
         case 'B': said << zip->GetImpl()->CloseEntry(); break;
         case 'N': in.reset(new qro_base::ZipEntryInputStream(*zip, op.c_str() + 1)); said << '.'; break;
