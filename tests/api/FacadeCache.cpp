@@ -1,12 +1,14 @@
 #include "tests/api/FacadeCache.h"
 
 #include <memory>
+#include <sstream>
 
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontInfoSerializer.h"
 #include "common/font_info/KerningInfo.h"
 #include "tests/common/font_info/TableBuilders.h"
+#include "tests/support/Cases.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestFonts.h"
 
@@ -43,14 +45,14 @@ Face generatedFace(const std::string& fontFile, const std::string& fontName,
 }  // namespace
 
 const std::vector<BoldBand>& boldBands() {
-  // Both ends of every band of the correction, worked out by hand.
-  static const std::vector<BoldBand> bands = {
-      {0, -4},     {280, 276},   {281, 276},   {330, 325},   {331, 325},    {385, 379},
-      {386, 379},  {433, 426},   {434, 426},   {488, 480},   {489, 480},    {538, 529},
-      {539, 529},  {588, 578},   {589, 578},   {640, 629},   {641, 629},    {690, 678},
-      {691, 678},  {750, 737},   {751, 737},   {800, 786},   {801, 786},    {850, 835},
-      {851, 835},  {900, 884},   {901, 884},   {950, 933},   {951, 933},    {1000, 982},
-      {1001, 982}, {1024, 1005}, {1050, 1031}, {1051, 1031}, {65535, 65515}};
+  // Both ends of every band of the correction, worked out by hand: "advance bold" pairs.
+  static const std::vector<BoldBand> bands = [] {
+    std::vector<BoldBand> out;
+    for (const kelfont_test::Case& c : kelfont_test::cases("bold_bands.tsv")) {
+      out.push_back({static_cast<unsigned short>(c.num(0)), static_cast<int>(c.num(1))});
+    }
+    return out;
+  }();
   return bands;
 }
 
@@ -64,68 +66,40 @@ Face evictFace(int i) {
   return face;
 }
 
+// The faces of tests/data/facade_faces.tsv, then the eviction faces.
 std::vector<Face> standardFaces() {
   std::vector<Face> faces;
-  const std::map<int, std::string> basicNames = {{0x0409, "KelTest Basic"},
-                                                 {0x0412, "켈테스트 기본"}};
-  const char* basicFiles[][2] = {{"basic.ttf", "Regular"},
-                                 {"bold.ttf", "Bold"},
-                                 {"italic.ttf", "Italic"},
-                                 {"bolditalic.ttf", "Bold Italic"}};
-  for (const auto& file : basicFiles) {
-    faces.push_back(generatedFace(file[0], "KelTest Basic", file[1]));
-    faces.back().localizedNames = basicNames;
+  for (const kelfont_test::Case& c : kelfont_test::cases("facade_faces.tsv")) {
+    Face face = c[2].empty() ? Face() : generatedFace(c[2], c[0], c[1]);
+    face.fontName = c[0];
+    face.styleName = c[1];
+    if (!c[3].empty()) face.unitsPerEm = static_cast<int>(c.num(3));
+    std::istringstream words(c[4]);
+    for (std::string word; std::getline(words, word, ';');) {
+      size_t eq = word.find('=');
+      std::string key = word.substr(0, eq),
+                  value = eq == std::string::npos ? "" : word.substr(eq + 1);
+      if (key == "bands") {
+        for (size_t b = 0; b < boldBands().size(); ++b)
+          face.advances[0x21 + b] = boldBands()[b].advance;
+      } else if (key.rfind("U+", 0) == 0) {
+        face.advances[std::stoul(key.substr(2), nullptr, 16)] =
+            static_cast<unsigned short>(std::stoi(value));
+      } else if (key == "kern") {
+        face.kerning.emplace_back(value[0], value[2],
+                                  static_cast<short>(std::stoi(value.substr(4))));
+      } else if (key == "empty") {
+        face.emptyAdvanceTable = true;
+      } else if (key == "missing" || key == "truncated" || key == "damaged") {
+        face.dataFile = key == "missing"     ? DataFile::kMissing
+                        : key == "truncated" ? DataFile::kTruncated
+                                             : DataFile::kDamaged;
+      } else {
+        face.localizedNames[std::stoi(key, nullptr, 16)] = value;
+      }
+    }
+    faces.push_back(face);
   }
-
-  Face gulim;
-  gulim.fontName = "Gulim";
-  gulim.styleName = "Regular";
-  gulim.localizedNames = {{0x0409, "Gulim"}, {0x0412, "굴림"}};
-  gulim.unitsPerEm = 1024;
-  for (size_t i = 0; i < boldBands().size(); ++i) {
-    gulim.advances[static_cast<unsigned>(0x21 + i)] = boldBands()[i].advance;
-  }
-  faces.push_back(gulim);
-
-  Face dotum;
-  dotum.fontName = "돋움";
-  dotum.styleName = "Regular";
-  dotum.unitsPerEm = 1024;
-  dotum.advances = {{'A', 1024}};
-  faces.push_back(dotum);
-  dotum.styleName = "Bold";
-  dotum.advances = {{'A', 1051}};
-  faces.push_back(dotum);
-
-  Face plain;
-  plain.fontName = "KelTest NoMetrics";
-  plain.advances = {{'A', 500}};
-  faces.push_back(plain);
-  plain.unitsPerEm = 1000;
-  plain.fontName = "KelTest NoData";
-  plain.dataFile = DataFile::kMissing;
-  faces.push_back(plain);
-  plain.fontName = "KelTest Truncated";
-  plain.dataFile = DataFile::kTruncated;
-  faces.push_back(plain);
-  plain.fontName = "KelTest Damaged";
-  plain.dataFile = DataFile::kDamaged;
-  faces.push_back(plain);
-
-  Face roboto;
-  roboto.fontName = "Roboto";
-  roboto.styleName = "Light";
-  roboto.unitsPerEm = 2048;
-  roboto.advances = {{'A', 1200}};
-  faces.push_back(roboto);
-
-  Face kerningOnly;
-  kerningOnly.fontName = "KelTest KerningOnly";
-  kerningOnly.unitsPerEm = 1000;
-  kerningOnly.emptyAdvanceTable = true;
-  kerningOnly.kerning = {std::make_tuple('A', 'V', static_cast<short>(-77))};
-  faces.push_back(kerningOnly);
-
   for (int i = 0; i < 22; ++i) faces.push_back(evictFace(i));
   return faces;
 }

@@ -1,5 +1,3 @@
-#include "base/CharacterType.h"
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -7,6 +5,7 @@
 #include <map>
 #include <string>
 
+#include "base/CharacterType.h"
 #include "base/CharacterTypeData.h"
 
 namespace {
@@ -19,38 +18,6 @@ const char* const kUcdDir = "/usr/share/unicode";
 // ---------------------------------------------------------------------------
 // Examples and documented edges.
 
-TEST(CharacterTypeCase, Examples) {
-  const unsigned upper[][2] = {{'a', 'A'},       {0x00FF, 0x0178}, {0x00B5, 0x039C},
-                               {0x00DF, 0x00DF}, {0x1F80, 0x1F88}, {0x0131, 'I'},
-                               {0xFF41, 0xFF21}, {0x2C30, 0x2C30}, {0xD800, 0xD800}};
-  for (const auto& c : upper) {
-    EXPECT_EQ(CharacterType::ToUpperCase(static_cast<unsigned short>(c[0])), c[1]) << std::hex << c[0];
-  }
-  // U+1F88 is titlecase, U+2132 cased only since Unicode 5.0: not keys.
-  const unsigned lower[][2] = {{'A', 'a'},       {0x212A, 'k'},    {0x0130, 'i'},
-                               {0x10A0, 0x10A0}, {0x1F88, 0x1F88}, {0x2132, 0x2132}};
-  for (const auto& c : lower) {
-    EXPECT_EQ(CharacterType::ToLowerCase(static_cast<unsigned short>(c[0])), c[1]) << std::hex << c[0];
-  }
-}
-
-TEST(CharacterTypeFlags, ByteValuesOfCommonUnits) {
-  const unsigned cases[][2] = {
-      {'a', 0xA0},    {'A', 0x60},    {'7', 0x08},    {'\t', 0x10},  {'!', 0x00},
-      {0x00E9, 0xA4}, {0x00A0, 0x14}, {0x00AA, 0x24}, {0x0660, 0x0D}, {0x0627, 0x25},
-      {0x3000, 0x17}, {0x4E00, 0x27}, {0xAC00, 0x21}, {0x3042, 0x26}, {0xFF41, 0xA7},
-      {0x1E9E, CharacterType::kScriptOther},  // capital sharp s, Unicode 5.1: class only
-  };
-  for (const auto& c : cases) EXPECT_EQ(CharacterType::charTypes[c[0]], c[1]) << std::hex << c[0];
-  // Cased letter numbers and symbols count; titlecase letters and U+0345 do not.
-  const int kCase = CharacterType::kLowercase | CharacterType::kUppercase;
-  EXPECT_TRUE(CharacterType::charTypes[0x2170] & CharacterType::kLowercase);
-  EXPECT_TRUE(CharacterType::charTypes[0x24B6] & CharacterType::kUppercase);
-  for (unsigned unit : {0x01C5u, 0x1F88u, 0x0345u, 0x00DFu}) {
-    EXPECT_FALSE(CharacterType::charTypes[unit] & kCase) << std::hex << unit;
-  }
-}
-
 TEST(CharacterTypeFlags, WhiteSpaceIsExactlyTheUnicodeSet) {
   auto isSpace = [](unsigned cp) {
     return (cp >= 0x09 && cp <= 0x0D) || cp == 0x20 || cp == 0x85 || cp == 0xA0 || cp == 0x1680 ||
@@ -58,7 +25,8 @@ TEST(CharacterTypeFlags, WhiteSpaceIsExactlyTheUnicodeSet) {
            cp == 0x205F || cp == 0x3000;
   };
   for (unsigned cp = 0; cp < 0x10000; ++cp) {
-    EXPECT_EQ((CharacterType::charTypes[cp] & CharacterType::kSpace) != 0, isSpace(cp)) << std::hex << cp;
+    EXPECT_EQ((CharacterType::charTypes[cp] & CharacterType::kSpace) != 0, isSpace(cp))
+        << std::hex << cp;
   }
 }
 

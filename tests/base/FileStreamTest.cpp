@@ -5,7 +5,6 @@
 #include <string>
 
 #include "base/File.h"
-#include "base/FileInputStream.h"
 #include "base/FileOutputStream.h"
 #include "tests/support/TempDir.h"
 
@@ -15,51 +14,7 @@ using kelfont_test::readFile;
 using kelfont_test::TempDir;
 using kelfont_test::writeFile;
 using qro_base::File;
-using qro_base::FileInputStream;
 using qro_base::FileOutputStream;
-
-TEST(FileInputStream, ReadsSeeksAndRepeatsTheLastByteAtTheEnd) {
-  TempDir dir;
-  ASSERT_TRUE(writeFile(dir.file("f"), std::string("01234567\x80\xc3", 10)));
-  FileInputStream in(dir.file("f").c_str());
-  ASSERT_TRUE(in.IsOpen());
-  EXPECT_EQ(in.Size(), 10);
-  char buffer[16] = {};
-  EXPECT_EQ(in.Read(buffer, 4), 4);
-  EXPECT_EQ(std::string(buffer, 4), "0123");
-  EXPECT_TRUE(in.Skip(3));
-  EXPECT_EQ(in.Read(), '7');
-  EXPECT_EQ(in.Read(), 0x80);
-  EXPECT_EQ(in.Available(), 1u);
-  EXPECT_EQ(in.Read(), 0xc3);
-  // No -1 at the end: the previous byte comes back.
-  EXPECT_EQ(in.Read(), 0xc3);
-  EXPECT_TRUE(in.Seek(1, SEEK_SET));
-  EXPECT_EQ(in.Read(), '1');
-  EXPECT_TRUE(in.Seek(0, SEEK_END));
-  EXPECT_EQ(in.Tell(), 10);
-  EXPECT_TRUE(in.Skip(5));  // past the end succeeds, with nothing available there
-  EXPECT_EQ(in.Available(), 0u);
-  EXPECT_TRUE(in.Close());
-  EXPECT_FALSE(in.Close());
-  EXPECT_EQ(in.Tell(), -1);
-  EXPECT_FALSE(in.Skip(1));
-}
-
-TEST(FileInputStream, DoesNotOpenWhatCannotBeRead) {
-  TempDir dir;
-  ASSERT_TRUE(writeFile(dir.file("empty"), ""));
-  ASSERT_TRUE(writeFile(dir.file("plain"), "x"));
-  for (const std::string& path :
-       {dir.file("empty"), dir.file("missing"), dir.path(), dir.file("plain/below")}) {
-    SCOPED_TRACE(path);
-    FileInputStream in(path);
-    EXPECT_FALSE(in.IsOpen());
-    EXPECT_EQ(in.Available(), 0u);
-    EXPECT_EQ(in.Read(), 255);  // the one-byte buffer starts out as 255
-  }
-  EXPECT_FALSE(FileInputStream(static_cast<const char*>(nullptr)).IsOpen());
-}
 
 TEST(FileOutputStream, OverwritesWithoutTruncatingByDefaultAndHonoursTheMode) {
   TempDir dir;
@@ -80,7 +35,9 @@ TEST(FileOutputStream, OverwritesWithoutTruncatingByDefaultAndHonoursTheMode) {
     EXPECT_TRUE(truncating.Write("XY", 2));
     EXPECT_TRUE(appending.Write("XY", 2));
   }
-  EXPECT_EQ(readFile(dir.file("f")), std::string("X\x00" "cdZf", 6));
+  EXPECT_EQ(readFile(dir.file("f")), std::string("X\x00"
+                                                 "cdZf",
+                                                 6));
   EXPECT_EQ(readFile(dir.file("new")), "XY");
   EXPECT_EQ(readFile(dir.file("w")), "XY");
   EXPECT_EQ(readFile(dir.file("a")), "abcXY");

@@ -1,5 +1,3 @@
-#include "base/ZipFile.h"
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -9,6 +7,7 @@
 #include <vector>
 
 #include "base/ZipEntryInputStream.h"
+#include "base/ZipFile.h"
 #include "tests/base/ZipTestSupport.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TempDir.h"
@@ -56,6 +55,13 @@ TEST_P(ZipFileBackEnd, ListsAndReadsAnIndependentlyWrittenArchive) {
     }
     qro_base::ZipEntryInputStream in(zip, "FC");
     EXPECT_FALSE(in.IsOpen());
+    // The back end stops at the end of the entry.
+    ASSERT_TRUE(zip.GetImpl()->OpenEntry("Fdata/0"));
+    std::vector<char> buffer(256);
+    EXPECT_EQ(zip.GetImpl()->ReadEntry(buffer.data(), 100000), 256);
+    EXPECT_EQ(zip.GetImpl()->ReadEntry(buffer.data(), 100000), 0);
+    EXPECT_TRUE(zip.GetImpl()->CloseEntry());
+    EXPECT_FALSE(zip.GetImpl()->CloseEntry());
     EXPECT_TRUE(capture.lines().empty());
   }
   auto lines = capture.lines();
@@ -73,7 +79,8 @@ TEST_P(ZipFileBackEnd, NonArchivesGiveNoEntries) {
   std::string path = kelfont_test::writePythonArchive(dir_);
   ASSERT_FALSE(path.empty());
   const std::string original = kelfont_test::readFile(path);
-  ASSERT_TRUE(kelfont_test::writeFile(dir_.file("half.zip"), original.substr(0, original.size() / 2)));
+  ASSERT_TRUE(
+      kelfont_test::writeFile(dir_.file("half.zip"), original.substr(0, original.size() / 2)));
   ASSERT_TRUE(kelfont_test::writeFile(dir_.file("empty.zip"), ""));
   ASSERT_EQ(mkdir(dir_.file("folder.zip").c_str(), 0700), 0);
   ASSERT_EQ(mkfifo(dir_.file("fifo.zip").c_str(), 0600), 0);  // would block a plain open
@@ -87,7 +94,6 @@ TEST_P(ZipFileBackEnd, NonArchivesGiveNoEntries) {
   }
   EXPECT_EQ(capture.messages().size(), 5u);
   EXPECT_TRUE(qro_base::ZipFile(nullptr, zzip()).GetEntries().empty());
-
 }
 
 // Entries of other compression methods are listed but give no bytes (least

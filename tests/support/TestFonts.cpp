@@ -50,11 +50,6 @@ bool parseRecord(const std::string& key, std::istringstream& in, ExpectedFace* f
     for (std::uint32_t& r : face->unicodeRange) in >> r;
   } else if (key == "codePageRange") {
     for (std::uint32_t& r : face->codePageRange) in >> r;
-  } else if (key == "pclt") {
-    in >> face->pcltPitch;
-  } else if (key == "vertical") {
-    in >> flag;
-    face->vertical = flag != 0;
   } else if (key == "name") {
     ExpectedName name;
     std::string hex;

@@ -45,12 +45,10 @@ struct ExpectedFace {
   std::array<int, 10> panose{};
   std::array<std::uint32_t, 4> unicodeRange{};
   std::array<std::uint32_t, 2> codePageRange{};
-  int pcltPitch = -1;  // -1 without a PCLT table
-  bool vertical = false;
-  std::vector<ExpectedName> names;               // in name-table order
-  std::map<std::uint32_t, ExpectedChar> chars;   // code point -> glyph, advance
-  std::vector<int> glyphAdvances;                // by glyph index
-  std::map<std::pair<std::uint32_t, std::uint32_t>, int> kerning;  // code points -> value
+  std::vector<ExpectedName> names;                                  // in name-table order
+  std::map<std::uint32_t, ExpectedChar> chars;                      // code point -> glyph, advance
+  std::vector<int> glyphAdvances;                                   // by glyph index
+  std::map<std::pair<std::uint32_t, std::uint32_t>, int> kerning;   // code points -> value
   std::map<int, std::vector<std::vector<ExpectedPoint>>> outlines;  // glyph -> contours
 
   // The family-name records (name ID 1), in table order.

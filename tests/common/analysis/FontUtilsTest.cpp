@@ -1,11 +1,10 @@
-#include "common/analysis/FontUtils.h"
-
 #include <gtest/gtest.h>
 
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "common/analysis/FontUtils.h"
 #include "tests/support/Python.h"
 
 namespace {
@@ -26,20 +25,12 @@ TEST(FontUtils, MacRomanEncAgreesWithPythonsMacRomanCodec) {
   // The revision with the euro sign and the Apple logo.
   EXPECT_EQ(FontUtils::MacRomanEnc[0xDB], 0x20AC);
   EXPECT_EQ(FontUtils::MacRomanEnc[0xF0], 0xF8FF);
-}
-
-TEST(FontUtils, WinLangFromMacEntries) {
-  const unsigned entries[][2] = {
-      {0, 0x0409},   {11, 0x0411},  {23, 0x0412},  {33, 0x0804},  {59, 0x0463},  {60, 0xFFFF},
-      {65, 0x043B},  {89, 0x0441},  {90, 0xFFFF},  {128, 0x0452}, {132, 0xFFFF}, {150, 0x042C},
-      {151, 0xFFFF}, {152, 0xFFFF}, {0x7FFF, 0xFFFF},
-  };
-  for (const auto& e : entries) EXPECT_EQ(FontUtils::GetWinLangFromMac(e[0]), e[1]) << e[0];
+  // Mac languages without a Windows language (the entries: common_functions.tsv):
+  // 60, 63, 90..127, 132, 134, 136..139, 142, 147..149, 151.
   int none = 0;
   for (unsigned mac = 0; mac < FontUtils::kWinLangFromMacCount; ++mac) {
     none += FontUtils::WinLangFromMac[mac] == 0xFFFF;
   }
-  // 60, 63, 90..127, 132, 134, 136..139, 142, 147..149, 151.
   EXPECT_EQ(none, 2 + 38 + 1 + 1 + 4 + 1 + 3 + 1);
 }
 

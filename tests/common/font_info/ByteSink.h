@@ -5,6 +5,7 @@
 
 #include "base/MemoryInputStream.h"
 #include "base/OutputStream.h"
+#include "tests/support/Cases.h"
 
 namespace font_info_test {
 
@@ -31,29 +32,7 @@ inline qro_base::MemoryInputStream source(const std::string& bytes) {
 }
 
 // Bytes from a hex text; spaces are ignored ("01 7F00" gives 01 7F 00).
-inline std::string hex(const std::string& text) {
-  std::string bytes;
-  int high = -1;
-  for (char c : text) {
-    int v;
-    if (c >= '0' && c <= '9') {
-      v = c - '0';
-    } else if (c >= 'A' && c <= 'F') {
-      v = c - 'A' + 10;
-    } else if (c >= 'a' && c <= 'f') {
-      v = c - 'a' + 10;
-    } else {
-      continue;
-    }
-    if (high < 0) {
-      high = v;
-    } else {
-      bytes.push_back(static_cast<char>(high * 16 + v));
-      high = -1;
-    }
-  }
-  return bytes;
-}
+inline std::string hex(const std::string& text) { return kelfont_test::unhex(text); }
 
 // `count` zero bytes: the empty slots of a 128-slot table.
 inline std::string zeros(size_t count) { return std::string(count, '\0'); }

@@ -1,10 +1,9 @@
-#include "common/font_info/CharMetricsInfo.h"
-
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <string>
 
+#include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/MultiCharMetricsRange.h"
 #include "common/font_info/SingleCharMetricsRange.h"
 #include "common/font_info/ZippedCharMetricsRange.h"
@@ -24,29 +23,6 @@ using qro_common::CharMetricsRange;
 using qro_common::MultiCharMetricsRange;
 using qro_common::SingleCharMetricsRange;
 using qro_common::ZippedCharMetricsRange;
-
-TEST(CharMetricsInfo, EmptyInfoWritesZeroBytesAndDoesNotReadBack) {
-  CharMetricsInfo info;
-  ByteSink out;
-  ASSERT_TRUE(info.Write(out));
-  EXPECT_EQ(out.bytes, zeros(128));
-  auto in = source(out.bytes);
-  EXPECT_FALSE(info.Read(in));
-  auto again = source(out.bytes);
-  EXPECT_EQ(info.ReadChecked(again), CharMetricsInfo::ReadResult::kEmpty);
-  EXPECT_THROW(info.GetCharMetricsRange(128), std::out_of_range);
-}
-
-TEST(CharMetricsInfo, WritesEachSlotInOrder) {
-  CharMetricsInfo info;
-  ASSERT_TRUE(addAdvance(info, 0x41, 1366));
-  ASSERT_TRUE(addAdvance(info, 0x20, 500));
-  ASSERT_TRUE(addAdvance(info, 0x1D80, 7));  // bit 4, third block
-  ByteSink out;
-  ASSERT_TRUE(info.Write(out));
-  EXPECT_EQ(out.bytes, hex("01 00000000 7F000000 0200 2000 F401 4100 5605") + zeros(3) +
-                           hex("02 03 01 02 01 801D0000 BF1D0000 0100 0000 0700") + zeros(123));
-}
 
 // What a hostile file can do: ranges in the surrogate and reserved slots, a
 // CJK range in the Basic Latin slot, a multi range in a single-range slot, a
@@ -71,8 +47,8 @@ TEST(CharMetricsInfo, RangesInTheWrongSlotAnswerNothing) {
   EXPECT_FALSE(info.IsVisibleChar(0x7F));
   info.SetCharMetricsRange(1, new MultiCharMetricsRange(2));
   EXPECT_EQ(info.GetCharMetrics(0xE9), nullptr);
-  info.SetCharMetricsRange(2, new ZippedCharMetricsRange(0x3000, 0x303F, new CharMetrics(9),
-                                                         new char[8]()));
+  info.SetCharMetricsRange(
+      2, new ZippedCharMetricsRange(0x3000, 0x303F, new CharMetrics(9), new char[8]()));
   EXPECT_EQ(info.GetCharMetrics(0x100), nullptr);
   EXPECT_FALSE(info.IsVisibleChar(0x100));
 }
@@ -81,10 +57,10 @@ TEST(CharMetricsInfo, ZipReplacesUniformRangesOnly) {
   CharMetricsInfo info;
   addAdvance(info, 0x30, 1000);
   addAdvance(info, 0x39, 1000);
-  addAdvance(info, 0xE9, 600);           // bit 1: a single entry stays single
-  addAdvance(info, 0x0250, 500);         // bit 4 block 0: uniform
+  addAdvance(info, 0xE9, 600);    // bit 1: a single entry stays single
+  addAdvance(info, 0x0250, 500);  // bit 4 block 0: uniform
   addAdvance(info, 0x0251, 500);
-  addAdvance(info, 0x1D00, 1);           // bit 4 block 1: mixed
+  addAdvance(info, 0x1D00, 1);  // bit 4 block 1: mixed
   addAdvance(info, 0x1D01, 2);
   info.ZipCharMetricsRanges();
   ASSERT_EQ(info.GetCharMetricsRange(0)->GetType(), CharMetricsRange::kZipped);
@@ -101,15 +77,15 @@ TEST(CharMetricsInfo, ZipReplacesUniformRangesOnly) {
   EXPECT_EQ(info.GetCharMetrics(0x1D02), nullptr);
 }
 
-TEST(CharMetricsInfo, ReadReplacesWhatWasThereAndSkipsUnknownTypes) {
+// Golden bytes and damaged bodies: tests/data/byte_formats.tsv.
+TEST(CharMetricsInfo, ReadReplacesWhatWasThere) {
   CharMetricsInfo info;
   addAdvance(info, 0x41, 1);
+  EXPECT_THROW(info.GetCharMetricsRange(128), std::out_of_range);
   std::string bytes = hex("05") + hex("01 80000000 FF000000 0100 4100 0700") + zeros(126);
   auto in = source(bytes);
   ASSERT_TRUE(info.Read(in));
-  EXPECT_EQ(info.GetCharMetricsRange(0), nullptr);
   EXPECT_EQ(info.GetCharMetrics(0x41), nullptr);
-  EXPECT_EQ(info.GetCharMetrics(0xC1)->GetAdvance(), 7);
   EXPECT_EQ(in.Available(), 0u);
 }
 
@@ -118,9 +94,9 @@ TEST(CharMetricsInfo, RoundTripOfEveryKind) {
   for (unsigned code = 0x20; code < 0x7F; ++code) {
     addAdvance(info, code, static_cast<unsigned short>(code));
   }
-  addAdvance(info, 0x3041, 1000);   // bit 49, will be zipped
+  addAdvance(info, 0x3041, 1000);  // bit 49, will be zipped
   addAdvance(info, 0x3093, 1000);
-  addAdvance(info, 0xAC00, 920);    // bit 56, multi
+  addAdvance(info, 0xAC00, 920);  // bit 56, multi
   addAdvance(info, 0xD7B0, 700);
   addAdvance(info, 0x2F800, 1024);  // bit 61, block 2, outside the BMP
   addAdvance(info, 0x1F0A0, 1);     // bit 127
@@ -132,7 +108,7 @@ TEST(CharMetricsInfo, RoundTripOfEveryKind) {
   ASSERT_TRUE(copy.Read(in));
   EXPECT_EQ(in.Available(), 0u);
   // Each kind of slot is looked up by the code's bit and block.
-  const unsigned cases[][2] = {{0x41, 0x41}, {0x7E, 0x7E}, {0x3093, 1000}, {0xAC00, 920},
+  const unsigned cases[][2] = {{0x41, 0x41},  {0x7E, 0x7E},    {0x3093, 1000}, {0xAC00, 920},
                                {0xD7B0, 700}, {0x2F800, 1024}, {0x1F0A0, 1}};
   for (const auto& c : cases) {
     ASSERT_NE(copy.GetCharMetrics(c[0]), nullptr) << std::hex << c[0];

@@ -1,0 +1,162 @@
+// Pure functions of the base layer against tables of cases
+// (tests/data/base_functions.tsv): function, arguments, answer.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <map>
+#include <memory>
+#include <sstream>
+#include <vector>
+
+#include "base/AKHashMap.h"
+#include "base/CharacterType.h"
+#include "base/Environment.h"
+#include "base/Locale.h"
+#include "base/MathUtil.h"
+#include "base/TextConversion.h"
+#include "tests/support/Cases.h"
+
+namespace {
+
+using kelfont_test::Case;
+using qro_base::MathUtil;
+using Map = qro_base::AKHashMap<char, unsigned short>;
+
+qro_base::u16string u16(const std::string& text) { return kelfont_test::units(text); }
+
+std::string str(double v, int precision = 15) {
+  std::ostringstream out;
+  out.precision(precision);
+  out << v;
+  return out.str();
+}
+
+std::string hex(unsigned v) {
+  char text[16];
+  snprintf(text, sizeof text, "0x%X", v);
+  return text;
+}
+
+std::string locale(const qro_base::Locale& l) { return l.GetLanguage() + "|" + l.GetCountry(); }
+
+const char* orNull(const std::string& s) { return s == "NULL" ? nullptr : s.c_str(); }
+
+std::string floatText(const Case& c) {
+  double value = c[1] == "nan"    ? NAN
+                 : c[1] == "-inf" ? -INFINITY
+                                  : std::strtod(c[1].c_str(), nullptr);
+  std::vector<char> narrow(330 + c.num(2));
+  std::vector<unsigned short> wide(330 + c.num(2));
+  std::string text = qro_base::FloatToArray(value, c.num(2), narrow.data(), c[3] == "fixed");
+  qro_base::FloatToArray(value, c.num(2), wide.data(), c[3] == "fixed");
+  EXPECT_EQ(u16(text), qro_base::u16string(wide.data())) << "the UTF-16 form differs";
+  return text;
+}
+
+const std::map<std::string, std::function<std::string(const Case&)>> kFunctions = {
+    {"atoi",
+     [](const Case& c) {
+       return std::to_string(qro_base::atoi_utf16(c[1] == "NULL" ? nullptr : u16(c[1]).c_str()));
+     }},
+    {"atoi2",  // exactly sized heap text: reading past it trips the sanitizer
+     [](const Case& c) {
+       auto t = u16(c[1]);
+       std::vector<unsigned short> v(t.begin(), t.end());
+       return std::to_string(qro_base::atoi_utf16_2(v.data(), static_cast<unsigned>(c.num(2))));
+     }},
+    {"atof",
+     [](const Case& c) {
+       return str(qro_base::atof_utf16(c[1] == "NULL" ? nullptr : u16(c[1]).c_str()));
+     }},
+    {"atof2",
+     [](const Case& c) {
+       auto t = u16(c[1]);
+       std::vector<unsigned short> v(t.begin(), t.end());
+       return str(qro_base::atof_utf16_2(v.data(), static_cast<unsigned>(c.num(2))));
+     }},
+    {"float", floatText},
+    {"utf8",
+     [](const Case& c) {
+       std::string out = "stale";
+       qro_base::utf16ToUtf8(u16(c[1]), out);
+       return out;
+     }},
+    {"upper",
+     [](const Case& c) {
+       return hex(qro_base::CharacterType::ToUpperCase(static_cast<unsigned short>(c.num(1))));
+     }},
+    {"lower",
+     [](const Case& c) {
+       return hex(qro_base::CharacterType::ToLowerCase(static_cast<unsigned short>(c.num(1))));
+     }},
+    {"flags", [](const Case& c) { return hex(qro_base::CharacterType::charTypes[c.num(1)]); }},
+    {"round",
+     [](const Case& c) {
+       double v = std::strtod(c[1].c_str(), nullptr);
+       return std::to_string(MathUtil::Round(v)) + " " + std::to_string(MathUtil::Ceil(v)) + " " +
+              std::to_string(MathUtil::Floor(v));
+     }},
+    {"arctan",
+     [](const Case& c) {
+       return str(
+           MathUtil::ArcTan(std::strtof(c[1].c_str(), nullptr), std::strtof(c[2].c_str(), nullptr)),
+           6);
+     }},
+    {"degree",
+     [](const Case& c) {
+       float degree = std::strtof(c[1].c_str(), nullptr);
+       float copy = MathUtil::GetNormalizedDegree(degree);
+       MathUtil::NormalizeDegree(degree);
+       EXPECT_EQ(copy, degree);
+       return str(degree, 6);
+     }},
+    {"buckets",
+     [](const Case& c) {
+       return std::to_string(
+           Map(static_cast<unsigned>(c.num(1)), 10, qro_base::AKHashMapHashMethodDefault)
+               .GetBucketCount());
+     }},
+    {"hash",
+     [](const Case& c) {
+       return std::to_string(Map::Hash(c[1].data(), static_cast<unsigned>(c[1].size()),
+                                       static_cast<unsigned>(c.num(2))));
+     }},
+    {"locale", [](const Case& c) { return locale(qro_base::Locale(orNull(c[1]), orNull(c[2]))); }},
+    {"locale-string", [](const Case& c) { return locale(qro_base::Locale(c[1], c[2])); }},
+    {"locale-create",
+     [](const Case& c) {
+       return locale(*std::unique_ptr<qro_base::Locale>(qro_base::Locale::Create(orNull(c[1]))));
+     }},
+    {"rtl",
+     [](const Case& c) {
+       return std::to_string(qro_base::Locale(c[1].c_str(), "").IsLanguageForRTL());
+     }},
+    {"input-language",
+     [](const Case& c) {
+       qro_base::Environment env;
+       env.SetInputLanguage("ar");
+       env.SetInputLanguage(c[1].c_str());
+       const auto& info = env.GetKeyboardLayoutInfo();
+       return env.GetInputLanguage() + " " + std::to_string(info.langCode) + " " +
+              std::to_string(info.rightToLeft);
+     }},
+    {"input-code",  // applied in the order of the table, each after the one before
+     [](const Case& c) {
+       static qro_base::Environment env;
+       env.SetInputLanguageCode(static_cast<int>(c.num(1)));
+       const auto& info = env.GetKeyboardLayoutInfo();
+       return env.GetInputLanguage() + " " + std::to_string(info.langCode) + " " +
+              std::to_string(info.rightToLeft);
+     }},
+};
+
+TEST(BaseFunctions, Table) {
+  for (const Case& c : kelfont_test::cases("base_functions.tsv")) {
+    auto function = kFunctions.find(c[0]);
+    ASSERT_NE(function, kFunctions.end()) << c.line;
+    EXPECT_EQ(function->second(c), c.fields.back()) << c.line;
+  }
+}
+
+}  // namespace

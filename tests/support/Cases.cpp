@@ -1,0 +1,93 @@
+#include "tests/support/Cases.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+namespace kelfont_test {
+
+const std::string& Case::operator[](size_t i) const {
+  static const std::string kNone;
+  return i < fields.size() ? fields[i] : kNone;
+}
+
+long long Case::num(size_t i) const { return std::strtoll((*this)[i].c_str(), nullptr, 0); }
+
+std::vector<Case> cases(const std::string& name) {
+  std::ifstream in(std::string(KELFONT_TEST_SOURCE_DIR) + "/data/" + name);
+  EXPECT_TRUE(in.good()) << "no case file " << name;
+  std::vector<Case> out;
+  for (std::string line; std::getline(in, line);) {
+    if (line.empty() || line[0] == '#') continue;
+    Case c{line, {}};
+    for (size_t start = 0;;) {
+      size_t tab = line.find('\t', start);
+      c.fields.push_back(unescape(line.substr(start, tab - start)));
+      if (tab == std::string::npos) break;
+      start = tab + 1;
+    }
+    out.push_back(c);
+  }
+  return out;
+}
+
+std::string unescape(const std::string& text) {
+  std::string out;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\\' || i + 1 == text.size()) {
+      out += text[i];
+      continue;
+    }
+    char c = text[++i];
+    if (c == 'x') {
+      out += static_cast<char>(std::strtol(text.substr(i + 1, 2).c_str(), nullptr, 16));
+      i += 2;
+    } else if (c == 'n' || c == 'r' || c == 't' || c == '0' || c == '\\') {
+      out += c == 'n' ? '\n' : c == 'r' ? '\r' : c == 't' ? '\t' : c == '0' ? '\0' : '\\';
+    } else {  // kept for the test to read (\u0041)
+      out += '\\';
+      out += c;
+    }
+  }
+  return out;
+}
+
+std::string unhex(const std::string& text) {
+  std::string digits;
+  for (char c : text) {
+    if (isxdigit(static_cast<unsigned char>(c))) digits += c;
+  }
+  std::string out;
+  for (size_t i = 0; i + 1 < digits.size(); i += 2) {
+    out += static_cast<char>(std::strtol(digits.substr(i, 2).c_str(), nullptr, 16));
+  }
+  return out;
+}
+
+qro_base::u16string units(const std::string& text) {
+  qro_base::u16string out;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text.compare(i, 2, "\\u") == 0 && i + 6 <= text.size()) {
+      out.push_back(
+          static_cast<unsigned short>(std::strtoul(text.substr(i + 2, 4).c_str(), nullptr, 16)));
+      i += 5;
+    } else {
+      out.push_back(static_cast<unsigned char>(text[i]));
+    }
+  }
+  return out;
+}
+
+std::string escape(const std::string& bytes) {
+  std::string out;
+  for (unsigned char c : bytes) {
+    char hex[8];
+    std::snprintf(hex, sizeof hex, "\\x%02X", c);
+    out += c >= 0x20 && c < 0x7F && c != '\\' ? std::string(1, static_cast<char>(c)) : hex;
+  }
+  return out;
+}
+
+}  // namespace kelfont_test

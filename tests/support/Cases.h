@@ -1,0 +1,28 @@
+#pragma once
+// Cases kept as data: tests/data/NAME, one case a line, fields separated by
+// tabs; blank lines and lines starting with '#' are left out. Fields may use
+// C escapes (\t \n \r \0 \\ \xHH).
+#include <string>
+#include <vector>
+
+#include "base/TextConversion.h"
+
+namespace kelfont_test {
+
+struct Case {
+  std::string line;                 // as written, for failure messages
+  std::vector<std::string> fields;  // unescaped
+  const std::string& operator[](size_t i) const;
+  long long num(size_t i) const;  // decimal, or hex with 0x
+};
+
+std::vector<Case> cases(const std::string& name);
+std::string unescape(const std::string& text);
+// Bytes from hex digits; other characters are ignored ("01 7F00": 01 7F 00).
+std::string unhex(const std::string& text);
+// UTF-16 units of a text: its bytes one by one, "\\u" and four hex digits one unit.
+qro_base::u16string units(const std::string& text);
+// The bytes as C-escaped text: printable ASCII as it is, others as \xHH.
+std::string escape(const std::string& bytes);
+
+}  // namespace kelfont_test
