@@ -31,7 +31,7 @@ PANOSE_FIELDS = ("bFamilyType", "bSerifStyle", "bWeight", "bProportion", "bContr
 RANGE_FIELDS = ("ulUnicodeRange1", "ulUnicodeRange2", "ulUnicodeRange3", "ulUnicodeRange4",
                 "ulCodePageRange1", "ulCodePageRange2")
 LONG_NAME = "".join(chr(0xAC00 + (i * 37) % 11172) for i in range(1500))
-SPEC = json.load(open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "fonts.json"),
+FONT_TABLE = json.load(open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "fonts.json"),
                       encoding="utf-8"))
 # Outlines as point lists inside the advance (l, m, r: left, middle, right);
 # "q" marks the off-curve point of a quadratic segment.
@@ -60,13 +60,13 @@ def draw(pen, shape, advance):
         pen.closePath()
 
 
-def code_points(spec):
-    spec = SPEC["basic_glyphs"] if spec == "basic" else spec
-    if spec == "many":  # 65,535 glyphs: the basic plane less surrogates, then U+20000 on
+def code_points(glyphs):
+    glyphs = FONT_TABLE["basic_glyphs"] if glyphs == "basic" else glyphs
+    if glyphs == "many":  # 65,535 glyphs: the basic plane less surrogates, then U+20000 on
         codes = [cp for cp in range(0x20, 0xFFFE) if not 0xD800 <= cp <= 0xDFFF]
         return codes + list(range(0x20000, 0x20000 + 65534 - len(codes)))
     codes = []
-    for word in spec.split():
+    for word in glyphs.split():
         if word == "ascii":
             codes += range(0x20, 0x7F)
         elif word.startswith("-"):
@@ -168,7 +168,7 @@ def make_font(d):
     if d.get("kern"):
         subtable = KernTable_format_0()
         subtable.coverage = 1
-        pairs = SPEC["basic_kern"] if d["kern"] == "basic" else d["kern"]
+        pairs = FONT_TABLE["basic_kern"] if d["kern"] == "basic" else d["kern"]
         subtable.kernTable = {(mapping[int(l, 16)], mapping[int(r, 16)]): v for l, r, v in pairs}
         fb.font["kern"] = newTable("kern")
         fb.font["kern"].version, fb.font["kern"].kernTables = 0, [subtable]
@@ -268,7 +268,7 @@ def main(out_dir):
     if os.path.exists(manifest):
         os.remove(manifest)
     written = []
-    for d in SPEC["fonts"]:
+    for d in FONT_TABLE["fonts"]:
         path = os.path.join(out_dir, d["file"])
         if "faces" in d or "repeat" in d:
             faces = d.get("faces") or [dict(d, family="%s %d" % (d["family"], i))
