@@ -183,9 +183,11 @@ void harfbuzzSubRuns(benchmark::State& state) {
           manager.GetFontTable()->ResolveFontInfo(m.fonts[begin], false, false, true);
       hb_blob_t* blob = hb_blob_create_from_file(info->GetFilePath()->c_str());
       hb_face_t* face = hb_face_create(blob, info->GetFaceIndex());
-      hb_font_t* font = hb_font_create(face);
+      hb_font_t* font = hb_font_create(face);  // holds the face, which holds the blob
       const int upem = static_cast<int>(hb_face_get_upem(face));
       hb_font_set_scale(font, upem, upem);
+      hb_face_destroy(face);
+      hb_blob_destroy(blob);
       runs.push_back({&word, static_cast<unsigned>(begin), static_cast<int>(end - begin), font});
       begin = end;
     }
@@ -215,6 +217,7 @@ void harfbuzzSubRuns(benchmark::State& state) {
   }
   countUnits(state, *s);
   hb_buffer_destroy(buffer);
+  for (const SubRun& run : runs) hb_font_destroy(run.font);
 }
 
 }  // namespace
