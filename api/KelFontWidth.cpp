@@ -4,6 +4,8 @@
 #include <new>
 
 #include "base/KeepForProcess.h"
+#include "common/analysis/FontFileAnalyzer.h"
+#include "common/analysis/GposKerning.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontInfoSerializer.h"
@@ -176,9 +178,15 @@ int CKelFontWidth::GetKerningInfo(int fontIndex, const bool& bold, const bool& i
     std::lock_guard<std::mutex> lock(loadMutex_);
     if (info->GetKerningInfo() == nullptr) {
       if (serializer_ == nullptr || !serializer_->ReadData(*info)) return -5;
-      // A data file without kerning: remember that the face has no pairs
-      // rather than reading the file again for every pair.
-      if (info->GetKerningInfo() == nullptr) info->SetKerningInfo(new KerningInfo());
+      // A data file without kerning: the pairs a scan leaves to first use
+      // are read from the font file (nothing is written), and a face with
+      // none keeps an empty table rather than being read again per pair.
+      if (info->GetKerningInfo() == nullptr) {
+        KerningInfo* read = qro_common::hasGposKerning()
+                                ? qro_common::FontFileAnalyzer::ReadKerningOnFirstUse(*info)
+                                : nullptr;
+        info->SetKerningInfo(read != nullptr ? read : new KerningInfo());
+      }
     }
     kerning = info->GetKerningInfo();
   }

@@ -399,12 +399,12 @@ void FontFileAnalyzer::AnalyzeCharMetricsInfo(FontInfo& info) {
   info.SetCharMetricsInfo(table.release());
 }
 
-void FontFileAnalyzer::AnalyzeKerningInfo(FontInfo& info) {
-  if (!isOpen_) return;
+std::unique_ptr<KerningInfo> FontFileAnalyzer::ReadKerning() {
+  if (!isOpen_) return nullptr;
   FT_UInt glyphs[kKerningCharCount];
   for (int i = 0; i < kKerningCharCount; ++i) {
     glyphs[i] = FT_Get_Char_Index(face_, kFirstKerningChar + i);
-    if (glyphs[i] == 0) return;
+    if (glyphs[i] == 0) return nullptr;
   }
   // The values are read unscaled. Sized at one pixel per font unit,
   // FreeType's 26.6 values are exactly 64 times the unscaled ones, so
@@ -427,10 +427,22 @@ void FontFileAnalyzer::AnalyzeKerningInfo(FontInfo& info) {
   }
   // A face whose `kern` table gives none of these pairs is kerned by its
   // GPOS table, when the build reads it.
-  if (registered == 0) {
+  if (registered == 0 && gposKerningTime_ == GposKerningTime::kNow) {
     registered = registerGposKerning(face_, kFirstKerningChar, kKerningCharCount, *kerning);
   }
-  if (registered > 0) info.SetKerningInfo(kerning.release());
+  if (registered == 0) kerning.reset();
+  return kerning;
+}
+
+void FontFileAnalyzer::AnalyzeKerningInfo(FontInfo& info) {
+  if (std::unique_ptr<KerningInfo> kerning = ReadKerning()) info.SetKerningInfo(kerning.release());
+}
+
+KerningInfo* FontFileAnalyzer::ReadKerningOnFirstUse(const FontInfo& info) {
+  const std::string* path = info.GetFilePath();
+  FontFileAnalyzer analyzer;
+  if (path == nullptr || !analyzer.Open(path->c_str(), info.GetFaceIndex())) return nullptr;
+  return analyzer.ReadKerning().release();
 }
 
 void FontFileAnalyzer::ApplyDefaultFontInfo(int fontIndex, DefaultFontInfo& defaultFontInfo) {

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@ class CharMetricsInfo;
 class DefaultFontInfo;
 class FontInfo;
 class FontMetrics;
+class KerningInfo;
 class Panose;
 class Sig;
 
@@ -85,8 +87,14 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   // value, in font units, between two printable ASCII characters (32 to
   // 126): the `kern` table's, or, when that gives none, GPOS's (see
   // GposKerning.h). Nothing changes when the face has no kerning, when one
-  // of these characters has no glyph, or when no pair has a value.
+  // of these characters has no glyph, or when no pair has a value. With
+  // GposKerningTime::kOnFirstUse the GPOS step is skipped.
   void AnalyzeKerningInfo(FontInfo& info);
+  // The kerning of a face whose stored data holds none, read from the
+  // info's font file as AnalyzeKerningInfo() reads it with the GPOS step
+  // included: a new table (the caller owns it), or null when the info has
+  // no file, the face does not open or no pair has a value.
+  static KerningInfo* ReadKerningOnFirstUse(const FontInfo& info);
   // Records `fontIndex` for every code point the face maps (same maps and
   // filter as AnalyzeCharMetricsInfo); nothing for a negative index.
   void ApplyDefaultFontInfo(int fontIndex, DefaultFontInfo& defaultFontInfo);
@@ -134,6 +142,14 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   AdvanceSource GetAdvanceSource() const { return advanceSource_; }
   void SetAdvanceSource(AdvanceSource source) { advanceSource_ = source; }
 
+  // When AnalyzeKerningInfo() shapes a face whose `kern` table gives no
+  // pairs (the GPOS step, one to three milliseconds a face): now, or at
+  // the face's first kerning query (ReadKerningOnFirstUse()). A scan
+  // leaves it to first use, since most faces are never kerned; a package
+  // is made with it, so that its data files carry the pairs.
+  enum class GposKerningTime { kNow, kOnFirstUse };
+  void SetGposKerningTime(GposKerningTime time) { gposKerningTime_ = time; }
+
  private:
   // Selects the Unicode map, or the symbol map when the Unicode map has no
   // character; returns the first code point and sets *glyph (0 when
@@ -153,6 +169,8 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   // loading the glyph; false when there is none.
   bool LoadAdvance(FT_UInt glyph, unsigned short* advance);
   bool HasTable(FT_ULong tag) const;
+  // The kerning table AnalyzeKerningInfo() installs; null for none.
+  std::unique_ptr<KerningInfo> ReadKerning();
   void ReadPitch(FontInfo& info) const;
   void ReadLocalizedNames(std::map<int, std::string>& names) const;
 
@@ -165,6 +183,7 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   bool libraryReady_ = false;
   bool isOpen_ = false;
   AdvanceSource advanceSource_ = AdvanceSource::kMetrics;
+  GposKerningTime gposKerningTime_ = GposKerningTime::kNow;
   FontUSBType::CodePointUSBInfo scratch_{};
   // The walk of the open face's character map: stored code points in map
   // order, split into runs of one block (a block's run begins at `begin`

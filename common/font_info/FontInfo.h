@@ -71,6 +71,10 @@ class FontInfo : public qro_base::NonCopyable {
   // Kerning pairs, loaded on demand from the data file.
   KerningInfo* GetKerningInfo() const { return kerning_.load(std::memory_order_seq_cst); }
   void SetKerningInfo(KerningInfo* info);
+  // Whether the font file was read for kerning that the face's data lacks,
+  // with nothing to keep; not stored in the cache.
+  bool IsKerningLookedUp() const { return kerningLookedUp_; }
+  void SetKerningLookedUp(bool value) { kerningLookedUp_ = value; }
   // Where replaced per-character metrics and kerning go; null (the default)
   // deletes them at once. Not owned.
   void SetDeferredDeleter(qro_base::DeferredDeleter* deleter) { deleter_ = deleter; }
@@ -122,6 +126,7 @@ class FontInfo : public qro_base::NonCopyable {
   bool persisted_ = false;
   bool verticalMetrics_ = false;
   bool cjk_ = false;
+  bool kerningLookedUp_ = false;
   const std::string* fontName_ = nullptr;
   const std::string* familyName_ = nullptr;
   const std::string* alternateName_ = nullptr;

@@ -697,6 +697,24 @@ bool FontInfoSerializer::WriteData(FontInfo& info) {
   return ok ? out.Commit() : refused(path);
 }
 
+bool FontInfoSerializer::AppendKerning(const FontInfo& info) {
+  const KerningInfo* kerning = info.GetKerningInfo();
+  if (kerning == nullptr) return false;
+  std::string path;
+  MakeFontInfoDataFilePath(info, path);
+  std::vector<char> bytes;
+  if (!readWholeFile(path, bytes)) return false;
+  qro_base::MemoryInputStream in(bytes.data(), static_cast<unsigned>(bytes.size()));
+  CharMetricsInfo metrics;
+  if (metrics.ReadChecked(in) != CharMetricsInfo::ReadResult::kLoaded || in.Available() != 0) {
+    return false;
+  }
+  qro_base::AtomicFileOutputStream out(path,
+                                       qro_base::AtomicFileOutputStream::Durability::kDeferred);
+  const bool ok = out.Write(bytes.data(), static_cast<unsigned>(bytes.size())) && kerning->Write(out);
+  return ok ? out.Commit() : refused(path);
+}
+
 bool FontInfoSerializer::ReadDefaultFontInfo(DefaultFontInfo& out) {
   std::vector<char> bytes;
   if (!readWholeFile(GetDefaultFontInfoPath(), bytes)) return false;

@@ -112,6 +112,11 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   // file when it has neither. False (and a log line) when the file could not
   // be written; the old file then stays.
   bool WriteData(FontInfo& info);
+  // Adds the kerning of `info` to its data file when that file holds
+  // per-character data and no kerning part, leaving the bytes before it as
+  // they are. False (the file unchanged) otherwise, and when `info` has no
+  // kerning or the file could not be written.
+  bool AppendKerning(const FontInfo& info);
   // Whether the data file of `info` exists.
   bool IsDataFile(const FontInfo& info);
   // Appends B + "FInfo/Fdata/" + the decimal info index to `path`.

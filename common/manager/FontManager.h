@@ -33,6 +33,7 @@ class FontFileAnalyzer;
 class FontInfo;
 class FontInfoFileExtracter;
 class FontInfoSerializer;
+class KerningInfo;
 class FontMetrics;
 class FontTable;
 class RunMeasurer;
@@ -268,6 +269,10 @@ class FontManager : public qro_base::NonCopyable {
   // The face's per-character data, loaded on first use (test, lock, test
   // again); null when it cannot be loaded.
   CharMetricsInfo* LoadedCharMetricsInfo(FontInfo& info, int fontIndex);
+  // The kerning of a face whose data holds none, read from its font file
+  // on the first kerning query (a scan leaves the GPOS step to it) and
+  // added to its data file; null when the face has no pairs.
+  const KerningInfo* KerningOnFirstUse(FontInfo& info);
   // The parts of GetCharAdvanceRatio() and ConfirmVisibleChar() after a
   // cache miss, kept apart so that a cache hit costs a small function.
   float UncachedCharAdvanceRatio(CharKey& key);

@@ -1,6 +1,9 @@
 // Per-font queries and the lazy loading of per-character data.
 
+#include <memory>
+
 #include "common/analysis/FontFileAnalyzer.h"
+#include "common/analysis/GposKerning.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontInfoSerializer.h"
@@ -22,6 +25,25 @@ CharMetricsInfo* FontManager::LoadedCharMetricsInfo(FontInfo& info, int fontInde
   return info.GetCharMetricsInfo();
 }
 
+const KerningInfo* FontManager::KerningOnFirstUse(FontInfo& info) {
+  std::lock_guard<std::mutex> lock(mutex_);
+  if (const KerningInfo* kerning = info.GetKerningInfo()) return kerning;
+  if (info.IsKerningLookedUp() || !hasGposKerning()) return nullptr;
+  std::unique_ptr<KerningInfo> kerning(FontFileAnalyzer::ReadKerningOnFirstUse(info));
+  if (kerning == nullptr) {
+    info.SetKerningLookedUp(true);
+    return nullptr;
+  }
+  info.SetKerningInfo(kerning.release());
+  // Kept with the face's data, so that later starts read the pairs rather
+  // than shape the face again. Until that succeeds the face is looked up
+  // again after its data is dropped.
+  if (info.GetCharMetricsInfo() != nullptr && FontInfoSerializer(storagePath_).AppendKerning(info)) {
+    info.SetKerningLookedUp(true);
+  }
+  return info.GetKerningInfo();
+}
+
 void FontManager::EvictOldestLoaded() {
   FontInfo* oldest = loaded_.front();
   evicting_ = oldest;
@@ -41,6 +63,7 @@ void FontManager::ReadFontInfoData(FontInfo& info, int /*fontIndex*/) {
   if (!serializer.IsDataFile(info) || !serializer.ReadData(info)) {
     if (const std::string* path = info.GetFilePath()) {
       FontFileAnalyzer analyzer;
+      analyzer.SetGposKerningTime(FontFileAnalyzer::GposKerningTime::kOnFirstUse);
       if (analyzer.Open(path->c_str(), info.GetFaceIndex())) {
         analyzer.AnalyzeData(info);
         serializer.WriteData(info);
@@ -133,6 +156,7 @@ int FontManager::GetKerningWidth(FontInfo* info, unsigned first, unsigned second
     LoadedCharMetricsInfo(*info, -1);
     kerning = info->GetKerningInfo();
   }
+  if (kerning == nullptr) kerning = KerningOnFirstUse(*info);
   if (kerning == nullptr) return 0;
   return kerning->GetDelta(static_cast<int>(first), static_cast<int>(second));
 }

@@ -47,6 +47,7 @@ constexpr unsigned kRegularFileBit = 0x8000;
 void FontManager::UpdateFontInfo(FontInfoSerializer& serializer) {
   if (fontDirectoryPathList_.empty() || fontTable_ == nullptr) return;
   FontFileAnalyzer analyzer;
+  analyzer.SetGposKerningTime(FontFileAnalyzer::GposKerningTime::kOnFirstUse);
   for (std::size_t i = 0; i < fontDirectoryPathList_.size(); ++i) {
     const char* directory = fontDirectoryPathList_[i]->c_str();
     qro_base::confirmFilePathExists(directory);

@@ -1,0 +1,125 @@
+// GPOS kerning is left by a scan to the face's first kerning query: shaped
+// then, added to the face's data file, read from there by later starts,
+// and read from the font file by the facade over a cache that lacks it.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <map>
+#include <string>
+#include <utility>
+
+#include "api/KelFontWidth.h"
+#include "common/analysis/FontFileAnalyzer.h"
+#include "common/analysis/GposKerning.h"
+#include "common/font_info/FontInfo.h"
+#include "tests/common/manager/ManagerScenario.h"
+#include "tests/support/TempDir.h"
+#include "tests/support/TestFonts.h"
+
+namespace kelfont_test {
+namespace {
+
+using Pairs = std::map<std::pair<int, int>, int>;
+
+// fontTools' reading of the generated font; none without HarfBuzz.
+Pairs expectedPairs() {
+  Pairs want;
+  std::ifstream in(testFontPath("expected_gpos_kern.txt"));
+  for (int l, r, v; in >> l >> r >> v;) want[{l, r}] = v;
+  if (!qro_common::hasGposKerning()) want.clear();
+  return want;
+}
+
+// The kerning part of a data file, little-endian: count, then left,
+// right (4 bytes each) and delta (2 bytes) per pair, left then right
+// ascending.
+std::string kerningPart(const Pairs& pairs) {
+  std::string bytes;
+  auto put = [&bytes](unsigned value, int size) {
+    for (int i = 0; i < size; ++i) bytes += static_cast<char>((value >> (8 * i)) & 0xFF);
+  };
+  put(static_cast<unsigned>(pairs.size()), 4);
+  for (const auto& pair : pairs) {
+    put(static_cast<unsigned>(pair.first.first), 4);
+    put(static_cast<unsigned>(pair.first.second), 4);
+    put(static_cast<unsigned>(pair.second), 2);
+  }
+  return bytes;
+}
+
+struct GposManager {
+  GposManager(const std::string& storage, const std::string& fonts)
+      : manager(nullptr, storage, {fonts}) {
+    manager.Initialize();
+    font = manager.GetFontIndex("KelTest Gpos");
+    const qro_common::FontInfo* info = manager.GetFontInfo(font, false, false);
+    dataFile = storage + "FInfo/Fdata/" + std::to_string(info ? info->GetInfoIndex() : -1);
+  }
+  // Every printable-ASCII pair against `want`.
+  void ExpectPairs(const Pairs& want) {
+    for (int l = 32; l < 127; ++l) {
+      for (int r = 32; r < 127; ++r) {
+        auto it = want.find({l, r});
+        ASSERT_EQ(manager.GetKerningWidth(font, false, false, l, r),
+                  it == want.end() ? 0 : it->second)
+            << l << " " << r;
+      }
+    }
+  }
+  TestFontManager manager;
+  int font = -1;
+  std::string dataFile;
+};
+
+TEST(KerningOnFirstUse, ShapedOnceKeptInTheDataFileAndReadFromThereLater) {
+  TempDir fonts, storage, untouched;
+  ASSERT_EQ(symlink(testFontPath("gpos_kern.ttf").c_str(), fonts.file("gpos.ttf").c_str()), 0);
+  const Pairs want = expectedPairs();
+  const std::string base = storage.path() + "/";
+
+  // The scan writes the per-character part alone and opens the face once.
+  unsigned long opens = qro_common::FontFileAnalyzer::GetOpenCount();
+  GposManager first(base, fonts.path());
+  ASSERT_GE(first.font, 0);
+  EXPECT_EQ(qro_common::FontFileAnalyzer::GetOpenCount() - opens, 1u);
+  const std::string scanned = readFile(first.dataFile);
+  ASSERT_FALSE(scanned.empty());
+
+  // The first kerning query reads the font file once (with HarfBuzz) and
+  // appends the pairs; the bytes before them stay.
+  opens = qro_common::FontFileAnalyzer::GetOpenCount();
+  first.ExpectPairs(want);
+  EXPECT_EQ(qro_common::FontFileAnalyzer::GetOpenCount() - opens, want.empty() ? 0u : 1u);
+  EXPECT_EQ(readFile(first.dataFile), want.empty() ? scanned : scanned + kerningPart(want));
+
+  // A later start trusts the cache and opens no font, kerning included.
+  opens = qro_common::FontFileAnalyzer::GetOpenCount();
+  GposManager second(base, fonts.path());
+  second.ExpectPairs(want);
+  EXPECT_EQ(qro_common::FontFileAnalyzer::GetOpenCount() - opens, 0u);
+
+  // The facade over a cache whose face was never kerned reads the pairs
+  // from the font file and writes nothing.
+  const std::string otherBase = untouched.path() + "/";
+  const std::string otherData = GposManager(otherBase, fonts.path()).dataFile;
+  const std::string before = readFile(otherData);
+  CKelFontWidth facade;
+  facade.SetExtractPath(otherBase.c_str());
+  ASSERT_EQ(facade.InitFontInfoSerializer(), 0);
+  ASSERT_EQ(facade.InitFontTable(), 0);
+  const int font = facade.GetFontIndex("KelTest Gpos");
+  for (int l = 32; l < 127; ++l) {
+    for (int r = 32; r < 127; ++r) {
+      int delta = 1;
+      ASSERT_EQ(facade.GetKerningInfo(font, false, false, l, r, delta), 0);
+      auto it = want.find({l, r});
+      ASSERT_EQ(delta, it == want.end() ? 0 : it->second) << l << " " << r;
+    }
+  }
+  EXPECT_EQ(readFile(otherData), before);
+}
+
+}  // namespace
+}  // namespace kelfont_test
