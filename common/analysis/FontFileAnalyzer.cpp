@@ -20,6 +20,7 @@
 #include "common/analysis/LoadedAdvances.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/DefaultFontInfo.h"
+#include "common/font_info/ExtraCharMetrics.h"
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/KerningInfo.h"
 #include "common/font_info/MultiCharMetricsRange.h"
@@ -347,6 +348,7 @@ void FontFileAnalyzer::WalkCharacterMap() {
   mapWalked_ = true;
   mapped_.clear();
   blocks_.clear();
+  extraMapped_.clear();
   ResetScratch();
   FT_UInt glyph = 0;
   FT_ULong code = FirstChar(&glyph);
@@ -364,7 +366,10 @@ void FontFileAnalyzer::WalkCharacterMap() {
     const bool sameBlock = code >= first && code <= last &&
                            FontUSBType::GetUSBType(static_cast<unsigned>(code)) == bit;
     if (!sameBlock) {
-      if (!Classify(code)) continue;
+      if (!Classify(code)) {
+        extraMapped_.push_back(MappedChar{static_cast<unsigned>(code), glyph});
+        continue;
+      }
       blocks_.push_back(MappedBlock{scratch_, mapped_.size()});
       bit = scratch_.usbType;
       first = static_cast<FT_ULong>(scratch_.rangeFirst);
@@ -395,6 +400,15 @@ void FontFileAnalyzer::AnalyzeCharMetricsInfo(FontInfo& info) {
       if (range != nullptr) range->SetAdvance(mapped_[i].code, advance);
     }
   }
+  // The characters no slot holds, kept apart.
+  std::unique_ptr<ExtraCharMetrics> extra;
+  for (const MappedChar& mapped : extraMapped_) {
+    unsigned short advance = 0;
+    if (!LoadAdvance(mapped.glyph, &advance)) continue;
+    if (!extra) extra = std::make_unique<ExtraCharMetrics>();
+    extra->Add(mapped.code, advance);
+  }
+  if (extra) table->SetExtraCharMetrics(extra.release());
   metricsAdvances_.clear();
   info.SetCharMetricsInfo(table.release());
 }
@@ -435,7 +449,9 @@ std::unique_ptr<KerningInfo> FontFileAnalyzer::ReadKerning() {
 }
 
 void FontFileAnalyzer::AnalyzeKerningInfo(FontInfo& info) {
-  if (std::unique_ptr<KerningInfo> kerning = ReadKerning()) info.SetKerningInfo(kerning.release());
+  std::unique_ptr<KerningInfo> kerning = ReadKerning();
+  info.SetKerningLeftToFirstUse(!kerning && gposKerningTime_ == GposKerningTime::kOnFirstUse);
+  if (kerning) info.SetKerningInfo(kerning.release());
 }
 
 KerningInfo* FontFileAnalyzer::ReadKerningOnFirstUse(const FontInfo& info) {
@@ -455,6 +471,11 @@ void FontFileAnalyzer::ApplyDefaultFontInfo(int fontIndex, DefaultFontInfo& defa
     for (std::size_t i = blocks_[b].begin; i < end; ++i) {
       range->Set(mapped_[i].code, static_cast<short>(fontIndex));
     }
+  }
+  if (!extraMapped_.empty()) {
+    ExtraCharMetrics codes;
+    for (const MappedChar& mapped : extraMapped_) codes.Add(mapped.code, 0);
+    defaultFontInfo.GetExtraFonts().Apply(fontIndex, codes);
   }
 }
 

@@ -199,6 +199,8 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   bool mapWalked_ = false;
   bool mapHasChar_ = false;  // whether the map has any character at all
   std::vector<MappedChar> mapped_;
+  // The mapped code points no slot holds, in map order.
+  std::vector<MappedChar> extraMapped_;
   std::vector<MappedBlock> blocks_;
   // Unscaled advance of every glyph while AnalyzeCharMetricsInfo() runs.
   std::vector<FT_Fixed> metricsAdvances_;

@@ -1,5 +1,7 @@
 #include "common/font_info/CharMetricsInfo.h"
 
+#include "common/font_info/ExtraCharMetrics.h"
+
 #include <memory>
 #include <stdexcept>
 
@@ -52,18 +54,23 @@ CharMetricsRange* CharMetricsInfo::RangeOf(unsigned int code) const {
 
 CharMetrics* CharMetricsInfo::GetCharMetrics(unsigned int code) {
   CharMetricsRange* range = RangeOf(code);
-  return range != nullptr ? range->Get(code) : nullptr;
+  CharMetrics* metrics = range != nullptr ? range->Get(code) : nullptr;
+  return metrics != nullptr || !extra_ ? metrics : extra_->Find(code);
 }
 
 const CharMetrics* CharMetricsInfo::GetCharMetrics(unsigned int code) const {
   CharMetricsRange* range = RangeOf(code);
-  return range != nullptr ? range->Get(code) : nullptr;
+  const CharMetrics* metrics = range != nullptr ? range->Get(code) : nullptr;
+  return metrics != nullptr || !extra_ ? metrics : extra_->Find(code);
 }
 
 bool CharMetricsInfo::IsVisibleChar(unsigned int code) const {
   const CharMetricsRange* range = RangeOf(code);
-  return range != nullptr && range->IsVisibleChar(code);
+  if (range != nullptr && range->IsVisibleChar(code)) return true;
+  return extra_ && extra_->Find(code) != nullptr;
 }
+
+void CharMetricsInfo::SetExtraCharMetrics(ExtraCharMetrics* extra) { extra_.reset(extra); }
 
 void CharMetricsInfo::ZipCharMetricsRanges() {
   for (size_t usb = 0; usb < ranges_.size(); ++usb) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "base/InputStream.h"
@@ -7,6 +8,7 @@
 #include "base/OutputStream.h"
 #include "common/font_info/CharMetrics.h"
 #include "common/font_info/CharMetricsRange.h"
+#include "common/font_info/ExtraCharMetrics.h"
 #include "common/font_info/RangeSlots.h"
 
 namespace qro_common {
@@ -31,12 +33,18 @@ class CharMetricsInfo : public qro_base::NonCopyable {
   // std::out_of_range for usb >= 128 (after deleting `range`).
   void SetCharMetricsRange(unsigned char usb, CharMetricsRange* range);
 
-  // The metrics of `code`, or null: none for codes whose Unicode-range bit
-  // is 57, 123 to 126 or none at all, and none where the slot is empty.
+  // The metrics of `code`, or null: from its slot, else from the extra
+  // characters (those no slot holds: Unicode-range bit 57, 123 to 126 or
+  // none at all).
   CharMetrics* GetCharMetrics(unsigned int code);
   const CharMetrics* GetCharMetrics(unsigned int code) const;
-  // Whether the face maps `code`, by the same slot rules.
+  // Whether the face maps `code`, by the same rules.
   bool IsVisibleChar(unsigned int code) const;
+
+  // The extra characters, kept apart from the slots (and from the binary
+  // form below); null for none.
+  const ExtraCharMetrics* GetExtraCharMetrics() const { return extra_.get(); }
+  void SetExtraCharMetrics(ExtraCharMetrics* extra);  // owning
 
   // Replaces every single range (also inside multi ranges) whose present
   // entries, at least two, share one advance by a zipped range.
@@ -57,6 +65,7 @@ class CharMetricsInfo : public qro_base::NonCopyable {
   CharMetricsRange* RangeOf(unsigned int code) const;
 
   std::vector<CharMetricsRange*> ranges_;
+  std::unique_ptr<ExtraCharMetrics> extra_;
 };
 
 }  // namespace qro_common

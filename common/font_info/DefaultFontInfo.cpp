@@ -31,9 +31,9 @@ void DefaultFontInfo::SetDefaultFontRange(unsigned char usb, DefaultFontRange* r
 
 int DefaultFontInfo::GetFontIndex(unsigned int code) const {
   int usb = FontUSBType::GetUSBType(code);
-  if (!isTableUSBType(usb)) return -1;
-  const DefaultFontRange* range = ranges_[static_cast<size_t>(usb)];
-  return range != nullptr ? range->Get(code) : -1;
+  const DefaultFontRange* range = isTableUSBType(usb) ? ranges_[static_cast<size_t>(usb)] : nullptr;
+  const int font = range != nullptr ? range->Get(code) : -1;
+  return font >= 0 || extra_.IsEmpty() ? font : extra_.GetFontIndex(code);
 }
 
 void DefaultFontInfo::RemoveAll() { deleteRanges(ranges_); }

@@ -6,6 +6,7 @@
 #include "base/NonCopyable.h"
 #include "base/OutputStream.h"
 #include "common/font_info/DefaultFontRange.h"
+#include "common/font_info/ExtraDefaultFonts.h"
 #include "common/font_info/RangeSlots.h"
 
 namespace qro_common {
@@ -30,10 +31,15 @@ class DefaultFontInfo : public qro_base::NonCopyable {
   // std::out_of_range for usb >= 128 (after deleting `range`).
   void SetDefaultFontRange(unsigned char usb, DefaultFontRange* range);
 
-  // The font index for `code`, -1 for none: none for codes whose
-  // Unicode-range bit is 57, 123 to 126 or none at all, and none where the
-  // slot is empty.
+  // The font index for `code`, -1 for none: from its slot, else, for the
+  // code points no slot holds (Unicode-range bit 57, 123 to 126 or none at
+  // all), from the extra fonts.
   int GetFontIndex(unsigned int code) const;
+
+  // The fonts of the code points no slot holds, kept apart from the slots
+  // (and from the binary form below, in a file of their own).
+  ExtraDefaultFonts& GetExtraFonts() { return extra_; }
+  const ExtraDefaultFonts& GetExtraFonts() const { return extra_; }
 
   // Deletes every range.
   void RemoveAll();
@@ -49,6 +55,7 @@ class DefaultFontInfo : public qro_base::NonCopyable {
 
  private:
   std::vector<DefaultFontRange*> ranges_;
+  ExtraDefaultFonts extra_;
 };
 
 }  // namespace qro_common

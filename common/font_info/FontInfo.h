@@ -75,6 +75,11 @@ class FontInfo : public qro_base::NonCopyable {
   // with nothing to keep; not stored in the cache.
   bool IsKerningLookedUp() const { return kerningLookedUp_; }
   void SetKerningLookedUp(bool value) { kerningLookedUp_ = value; }
+  // Whether the face's kerning, absent from its data, is left to its first
+  // kerning query (a scan leaves GPOS kerning to it); not stored in the
+  // cache table.
+  bool IsKerningLeftToFirstUse() const { return kerningLeftToFirstUse_; }
+  void SetKerningLeftToFirstUse(bool value) { kerningLeftToFirstUse_ = value; }
   // Where replaced per-character metrics and kerning go; null (the default)
   // deletes them at once. Not owned.
   void SetDeferredDeleter(qro_base::DeferredDeleter* deleter) { deleter_ = deleter; }
@@ -127,6 +132,7 @@ class FontInfo : public qro_base::NonCopyable {
   bool verticalMetrics_ = false;
   bool cjk_ = false;
   bool kerningLookedUp_ = false;
+  bool kerningLeftToFirstUse_ = false;
   const std::string* fontName_ = nullptr;
   const std::string* familyName_ = nullptr;
   const std::string* alternateName_ = nullptr;

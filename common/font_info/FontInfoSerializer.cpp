@@ -8,12 +8,17 @@
 #include <cstring>
 #include <ctime>
 
+#include <zlib.h>
+
 #include "base/AtomicFileOutputStream.h"
+#include "base/ByteOrder.h"
 #include "base/FileUtils.h"
 #include "base/Log.h"
 #include "base/MemoryInputStream.h"
+#include "base/StringOutputStream.h"
 #include "common/analysis/LangCode.h"
 #include "common/font_info/CharMetricsInfo.h"
+#include "common/font_info/ExtraCharMetrics.h"
 #include "common/font_info/KerningInfo.h"
 #include "common/registry/DataFileNames.h"
 
@@ -87,6 +92,11 @@ bool readWholeFile(const std::string& path, std::vector<char>& bytes) {
 bool refused(const std::string& path) {
   qro_base::logProfile("Cannot write %s: %s", path.c_str(), "incomplete content");
   return false;
+}
+
+unsigned checksum(const char* bytes, std::size_t size) {
+  return static_cast<unsigned>(
+      crc32(0L, reinterpret_cast<const Bytef*>(bytes), static_cast<uInt>(size)));
 }
 
 std::unique_ptr<std::string> optionalName(const std::string& text) {
@@ -665,6 +675,19 @@ bool FontInfoSerializer::ReadData(FontInfo& info) {
     kerning.reset(new KerningInfo());
     if (!kerning->Read(in)) return false;
   }
+  // After the kerning part, the characters no slot holds: a flags word
+  // (bit 0: the kerning part is a stand-in, the pairs are left to the
+  // face's first kerning query), then the characters.
+  bool kerningLeft = false;
+  if (in.Available() > 0) {
+    unsigned flags = 0;
+    std::unique_ptr<ExtraCharMetrics> extra(new ExtraCharMetrics());
+    if (!qro_base::readUInt32(in, flags) || !extra->Read(in)) return false;
+    kerningLeft = (flags & kKerningLeftToFirstUse) != 0;
+    if (kerningLeft) kerning.reset();
+    if (extra->GetCount() > 0) charMetrics->SetExtraCharMetrics(extra.release());
+  }
+  info.SetKerningLeftToFirstUse(kerningLeft || !kerning);
 
   bool result = false;
   if (metricsResult == CharMetricsInfo::ReadResult::kLoaded) {
@@ -692,7 +715,18 @@ bool FontInfoSerializer::WriteData(FontInfo& info) {
                                        qro_base::AtomicFileOutputStream::Durability::kDeferred);
   bool ok = true;
   if (charMetrics != nullptr) ok = charMetrics->Write(out);
-  if (ok && kerning != nullptr) ok = kerning->Write(out);
+  const ExtraCharMetrics* extra =
+      charMetrics != nullptr ? charMetrics->GetExtraCharMetrics() : nullptr;
+  if (ok && kerning != nullptr) {
+    ok = kerning->Write(out);
+  } else if (ok && extra != nullptr) {
+    ok = qro_base::WriteInt32(out, 0) == 4;  // a stand-in: readers of the parts before stop here
+  }
+  if (ok && extra != nullptr) {
+    const bool left = kerning == nullptr && info.IsKerningLeftToFirstUse();
+    ok = qro_base::WriteInt32(out, left ? static_cast<int>(kKerningLeftToFirstUse) : 0) == 4 &&
+         extra->Write(out);
+  }
   // A part that refused to write leaves the old file in place.
   return ok ? out.Commit() : refused(path);
 }
@@ -706,12 +740,26 @@ bool FontInfoSerializer::AppendKerning(const FontInfo& info) {
   if (!readWholeFile(path, bytes)) return false;
   qro_base::MemoryInputStream in(bytes.data(), static_cast<unsigned>(bytes.size()));
   CharMetricsInfo metrics;
-  if (metrics.ReadChecked(in) != CharMetricsInfo::ReadResult::kLoaded || in.Available() != 0) {
-    return false;
+  if (metrics.ReadChecked(in) != CharMetricsInfo::ReadResult::kLoaded) return false;
+  const unsigned metricsEnd = static_cast<unsigned>(bytes.size()) - in.Available();
+  // The extra part after a stand-in kerning part stays, its flag cleared.
+  unsigned extraBegin = metricsEnd;
+  if (in.Available() > 0) {
+    KerningInfo standIn;
+    unsigned flags = 0;
+    if (!standIn.Read(in) || standIn.GetCount() != 0 || !qro_base::readUInt32(in, flags) ||
+        (flags & kKerningLeftToFirstUse) == 0) {
+      return false;
+    }
+    extraBegin = static_cast<unsigned>(bytes.size()) - in.Available();
   }
   qro_base::AtomicFileOutputStream out(path,
                                        qro_base::AtomicFileOutputStream::Durability::kDeferred);
-  const bool ok = out.Write(bytes.data(), static_cast<unsigned>(bytes.size())) && kerning->Write(out);
+  bool ok = out.Write(bytes.data(), metricsEnd) && kerning->Write(out);
+  if (ok && extraBegin < bytes.size()) {
+    ok = qro_base::WriteInt32(out, 0) == 4 &&
+         out.Write(bytes.data() + extraBegin, static_cast<unsigned>(bytes.size()) - extraBegin);
+  }
   return ok ? out.Commit() : refused(path);
 }
 
@@ -719,13 +767,46 @@ bool FontInfoSerializer::ReadDefaultFontInfo(DefaultFontInfo& out) {
   std::vector<char> bytes;
   if (!readWholeFile(GetDefaultFontInfoPath(), bytes)) return false;
   qro_base::MemoryInputStream in(bytes.data(), static_cast<unsigned>(bytes.size()));
-  return out.Read(in);
+  if (!out.Read(in)) return false;
+  // The extra fonts count only when written with these very "fi" bytes.
+  std::vector<char> extra;
+  out.GetExtraFonts().Clear();
+  if (readWholeFile(GetExtraDefaultFontsPath(), extra)) {
+    qro_base::MemoryInputStream extraIn(extra.data(), static_cast<unsigned>(extra.size()));
+    unsigned mark = 0;
+    if (qro_base::readUInt32(extraIn, mark) && mark == checksum(bytes.data(), bytes.size()) &&
+        !out.GetExtraFonts().Read(extraIn)) {
+      out.GetExtraFonts().Clear();
+    }
+  }
+  return true;
+}
+
+std::string FontInfoSerializer::GetExtraDefaultFontsPath() const {
+  return basePath_ + getFontInfoStorageName() + getExtraDefaultFontsFileName();
 }
 
 bool FontInfoSerializer::WriteDefaultFontInfo(DefaultFontInfo& in) {
+  std::string bytes;
+  {
+    qro_base::StringOutputStream text(bytes);
+    if (!in.Write(text)) return refused(GetDefaultFontInfoPath());
+  }
   qro_base::AtomicFileOutputStream out(GetDefaultFontInfoPath(),
                                        qro_base::AtomicFileOutputStream::Durability::kDeferred);
-  return in.Write(out) ? out.Commit() : refused(GetDefaultFontInfoPath());
+  if (!out.Write(bytes.data(), static_cast<unsigned>(bytes.size())) || !out.Commit()) return false;
+  // The fonts of the code points no slot holds go to a file of their own,
+  // marked with the checksum of the "fi" bytes they go with.
+  const std::string extraPath = GetExtraDefaultFontsPath();
+  if (in.GetExtraFonts().IsEmpty()) {
+    std::remove(extraPath.c_str());
+    return true;
+  }
+  qro_base::AtomicFileOutputStream extra(extraPath,
+                                         qro_base::AtomicFileOutputStream::Durability::kDeferred);
+  const bool ok = qro_base::WriteInt32(extra, static_cast<int>(checksum(bytes.data(), bytes.size()))) == 4 &&
+                  in.GetExtraFonts().Write(extra);
+  return ok ? extra.Commit() : refused(extraPath);
 }
 
 }  // namespace qro_common

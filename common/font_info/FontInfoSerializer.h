@@ -101,6 +101,10 @@ class FontInfoSerializer : public qro_base::NonCopyable {
 
   // --- Data files ---
 
+  // Bit 0 of the flags word of a data file's extra part: the kerning part
+  // before it stands in for pairs left to the face's first kerning query.
+  static constexpr unsigned kKerningLeftToFirstUse = 1;
+
   // Loads the character metrics and kerning of `info` from its data file.
   // False, leaving `info` unchanged, when the file is missing, empty, too
   // large or damaged. Otherwise the metrics are replaced (by none when all
@@ -128,6 +132,12 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   // Replaces the "fi" file as the table is replaced; false (and a log line)
   // when it could not be written, the old file staying.
   bool WriteDefaultFontInfo(DefaultFontInfo& in);
+  // With "fi", ReadDefaultFontInfo() reads and WriteDefaultFontInfo()
+  // writes (or removes, when there are none) the "fx" file: the fonts of
+  // the code points no slot holds. Its first four bytes are the CRC-32 of
+  // the "fi" bytes it was written with; read with other "fi" bytes, or
+  // damaged, it gives none.
+  std::string GetExtraDefaultFontsPath() const;
 
   // --- Primitives of the table text ---
 

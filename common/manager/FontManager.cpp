@@ -126,6 +126,7 @@ void FontManager::RemoveAllFiles() {
   if (!qro_base::isFileExists(storage.c_str())) return;
   std::remove((storage + getFontInfoTableName()).c_str());
   std::remove((storage + getDefaultFontInfoFileName()).c_str());
+  std::remove((storage + getExtraDefaultFontsFileName()).c_str());
 
   // Deliberately walked by full path: the library never changes the host's
   // working directory.

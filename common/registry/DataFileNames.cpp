@@ -14,6 +14,7 @@ const char* getDefaultFontsName() { return "df"; }
 const char* getScriptDefaultFontsName() { return "sf"; }
 const char* getCompressedFontInfoFileName() { return "qrfont.zip"; }
 const char* getDefaultFontInfoFileName() { return "fi"; }
+const char* getExtraDefaultFontsFileName() { return "fx"; }
 
 int getByteSize(int first, int last) {
   std::int64_t n = static_cast<std::int64_t>(last) - first + 1;

@@ -27,6 +27,8 @@ const char* getScriptDefaultFontsName();
 const char* getCompressedFontInfoFileName();
 // Default font information file.
 const char* getDefaultFontInfoFileName();
+// Fonts of the code points the default font information has no slot for.
+const char* getExtraDefaultFontsFileName();
 
 // Bytes of a bit set covering the values first..last: ceil(n / 8) with
 // n = last - first + 1; 0 when last < first.
