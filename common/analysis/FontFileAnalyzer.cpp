@@ -414,6 +414,7 @@ void FontFileAnalyzer::AnalyzeCharMetricsInfo(FontInfo& info) {
 }
 
 std::unique_ptr<KerningInfo> FontFileAnalyzer::ReadKerning() {
+  gposLeft_ = false;
   if (!isOpen_) return nullptr;
   FT_UInt glyphs[kKerningCharCount];
   for (int i = 0; i < kKerningCharCount; ++i) {
@@ -441,7 +442,9 @@ std::unique_ptr<KerningInfo> FontFileAnalyzer::ReadKerning() {
   }
   // A face whose `kern` table gives none of these pairs is kerned by its
   // GPOS table, when the build reads it.
-  if (registered == 0 && gposKerningTime_ == GposKerningTime::kNow) {
+  gposLeft_ = registered == 0 && gposKerningTime_ == GposKerningTime::kOnFirstUse &&
+              hasGposKerning();
+  if (registered == 0 && !gposLeft_) {
     registered = registerGposKerning(face_, kFirstKerningChar, kKerningCharCount, *kerning);
   }
   if (registered == 0) kerning.reset();
@@ -450,7 +453,7 @@ std::unique_ptr<KerningInfo> FontFileAnalyzer::ReadKerning() {
 
 void FontFileAnalyzer::AnalyzeKerningInfo(FontInfo& info) {
   std::unique_ptr<KerningInfo> kerning = ReadKerning();
-  info.SetKerningLeftToFirstUse(!kerning && gposKerningTime_ == GposKerningTime::kOnFirstUse);
+  info.SetKerningLeftToFirstUse(gposLeft_);
   if (kerning) info.SetKerningInfo(kerning.release());
 }
 

@@ -184,6 +184,8 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   bool isOpen_ = false;
   AdvanceSource advanceSource_ = AdvanceSource::kMetrics;
   GposKerningTime gposKerningTime_ = GposKerningTime::kNow;
+  // Whether the last ReadKerning() left the GPOS step to first use.
+  bool gposLeft_ = false;
   FontUSBType::CodePointUSBInfo scratch_{};
   // The walk of the open face's character map: stored code points in map
   // order, split into runs of one block (a block's run begins at `begin`

@@ -3,7 +3,8 @@
 
 Usage: /usr/bin/python3 gen_gpos_fonts.py OUTPUT_DIR
 
-  gpos_kern.ttf          every printable ASCII character; a `kern` feature
+  gpos_kern.ttf          every printable ASCII character, and U+A9B1 and
+                         U+1E900 (no stored range bit); a `kern` feature
                          (DFLT and latn) with glyph pairs (PairPosFormat1)
                          and class pairs (PairPosFormat2), one glyph pair
                          overriding its classes' value
@@ -55,7 +56,9 @@ def build(path):
     order = [".notdef"] + [names[c] for c in codes]
     fb = FontBuilder(1000, isTTF=True)
     fb.setupGlyphOrder(order)
-    fb.setupCharacterMap({c: names[c] for c in codes})
+    # Two characters without a stored Unicode-range bit (Javanese, Adlam),
+    # drawn with A's glyph.
+    fb.setupCharacterMap({**{c: names[c] for c in codes}, 0xA9B1: "A", 0x1E900: "A"})
     pen = TTGlyphPen(None)
     pen.moveTo((50, 0))
     pen.lineTo((50, 700))

@@ -2,10 +2,16 @@
 // builds without a list warning, every default font and every script
 // range finds a font, and characters fall back to fonts that have them.
 
+#include <ft2build.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include FT_FREETYPE_H
+
+#include <dirent.h>
 
 #include <cstdlib>
+#include <fstream>
+#include <map>
 #include <set>
 #include <sstream>
 #include <string>
@@ -13,6 +19,8 @@
 
 #include "base/Environment.h"
 #include "base/Locale.h"
+#include "common/font_info/FontInfo.h"
+#include "common/font_info/FontMetrics.h"
 #include "native/DefaultFontInfoFileExtracter.h"
 #include "tests/support/TempDir.h"
 #include "tests/tools/ToolTestSupport.h"
@@ -25,6 +33,64 @@ using kelfont_test::TempDir;
 const std::vector<std::string> kDebianFonts = {"/usr/share/fonts/truetype/dejavu",
                                                "/usr/share/fonts/truetype/liberation",
                                                "/usr/share/fonts/truetype/nanum"};
+
+// Per Unicode block (the Unicode data's Blocks.txt), the first code point
+// that some face in `dir` maps, private use left out.
+std::map<unsigned, std::string> firstMappedPerBlock(const std::string& dir) {
+  std::set<unsigned> mapped;
+  FT_Library library;
+  if (FT_Init_FreeType(&library) != 0) return {};
+  DIR* files = opendir(dir.c_str());
+  while (const dirent* entry = files != nullptr ? readdir(files) : nullptr) {
+    const std::string path = dir + "/" + entry->d_name;
+    for (long face = 0, faces = 1; face < faces; ++face) {
+      FT_Face ft;
+      if (entry->d_name[0] == '.' || FT_New_Face(library, path.c_str(), face, &ft) != 0) break;
+      faces = ft->num_faces;
+      FT_UInt glyph = 0;
+      for (FT_ULong c = FT_Get_First_Char(ft, &glyph); glyph != 0; c = FT_Get_Next_Char(ft, c, &glyph)) {
+        mapped.insert(static_cast<unsigned>(c));
+      }
+      FT_Done_Face(ft);
+    }
+  }
+  if (files != nullptr) closedir(files);
+  FT_Done_FreeType(library);
+  std::map<unsigned, std::string> firsts;
+  std::ifstream blocks("/usr/share/unicode/Blocks.txt");
+  for (std::string line; std::getline(blocks, line);) {
+    unsigned first = 0, last = 0;
+    char name[128] = {};
+    if (std::sscanf(line.c_str(), "%x..%x; %127[^\n]", &first, &last, name) != 3) continue;
+    if (std::string(name).find("Private Use") != std::string::npos) continue;
+    auto it = mapped.lower_bound(first);
+    if (it != mapped.end() && *it <= last) firsts[*it] = name;
+  }
+  return firsts;
+}
+
+// The advance of `code` in the face of `info`, as FreeType loads it, over
+// its units per em.
+float loadedRatio(const qro_common::FontInfo& info, unsigned code) {
+  FT_Library library;
+  FT_Face face;
+  float ratio = -1.0f;
+  if (FT_Init_FreeType(&library) != 0) return ratio;
+  if (info.GetFilePath() != nullptr &&
+      FT_New_Face(library, info.GetFilePath()->c_str(), info.GetFaceIndex(), &face) == 0) {
+    // A bitmap-only face (Noto Color Emoji) has no em square in FreeType:
+    // the cache's, from its `head` table, stands in.
+    const unsigned em = face->units_per_EM != 0 ? face->units_per_EM
+                        : info.GetFontMetrics() != nullptr ? info.GetFontMetrics()->GetUnitsPerEm()
+                                                           : 0;
+    if (em != 0 && FT_Load_Char(face, code, FT_LOAD_NO_SCALE) == 0) {
+      ratio = static_cast<float>(face->glyph->metrics.horiAdvance) / static_cast<float>(em);
+    }
+    FT_Done_Face(face);
+  }
+  FT_Done_FreeType(library);
+  return ratio;
+}
 
 struct Fallback {
   const char* font;
@@ -154,6 +220,22 @@ TEST(DefaultLists, AndroidListsNameAndroidFonts) {
     ASSERT_GE(font, 0) << road.font;
     manager.ConfirmVisibleChar(font, code, false, false);
     EXPECT_EQ(manager.GetFontName(font), road.shownBy) << road.font << " " << road.code;
+  }
+
+  // Asked of Roboto, a character of every block the corpus covers (with or
+  // without a range bit) is shown by a face that maps it, with its advance.
+  const std::map<unsigned, std::string> blocks = firstMappedPerBlock(corpus);
+  EXPECT_GT(blocks.size(), 250u);
+  const int roboto = manager.GetFontIndex("Roboto");
+  for (const auto& block : blocks) {
+    int font = roboto;
+    unsigned code = block.first;
+    manager.ConfirmVisibleChar(font, code, false, false);
+    ASSERT_EQ(code, block.first) << block.second;
+    const qro_common::FontInfo* info = manager.GetFontInfo(font, false, false);
+    ASSERT_NE(info, nullptr) << block.second;
+    EXPECT_FLOAT_EQ(manager.GetCharAdvanceRatio(roboto, code, false, false), loadedRatio(*info, code))
+        << block.second << " U+" << std::hex << code << " in " << manager.GetFontName(font);
   }
 }
 

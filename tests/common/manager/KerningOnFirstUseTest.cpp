@@ -84,15 +84,24 @@ TEST(KerningOnFirstUse, ShapedOnceKeptInTheDataFileAndReadFromThereLater) {
   GposManager first(base, fonts.path());
   ASSERT_GE(first.font, 0);
   EXPECT_EQ(qro_common::FontFileAnalyzer::GetOpenCount() - opens, 1u);
+  // The data file ends with a stand-in kerning part, then the extra part:
+  // flags (1: pairs left to first use), U+A9B1 and U+1E900 with A's
+  // advance (hmtx: 300 + 7 x glyph index 34 = 538).
+  const std::string extra = std::string("\x02\0\0\0\xB1\xA9\0\0\x1A\x02\0\xE9\x01\0\x1A\x02", 16);
   const std::string scanned = readFile(first.dataFile);
-  ASSERT_FALSE(scanned.empty());
+  const std::string left = std::string(want.empty() ? "\0" : "\x01", 1) + std::string(3, '\0');
+  const std::string tail = std::string(4, '\0') + left + extra;
+  ASSERT_GT(scanned.size(), tail.size());
+  const std::string metrics = scanned.substr(0, scanned.size() - tail.size());
+  EXPECT_EQ(scanned, metrics + tail);
 
   // The first kerning query reads the font file once (with HarfBuzz) and
-  // appends the pairs; the bytes before them stay.
+  // puts the pairs in place of the stand-in; the other bytes stay.
   opens = qro_common::FontFileAnalyzer::GetOpenCount();
   first.ExpectPairs(want);
   EXPECT_EQ(qro_common::FontFileAnalyzer::GetOpenCount() - opens, want.empty() ? 0u : 1u);
-  EXPECT_EQ(readFile(first.dataFile), want.empty() ? scanned : scanned + kerningPart(want));
+  EXPECT_EQ(readFile(first.dataFile),
+            want.empty() ? scanned : metrics + kerningPart(want) + std::string(4, '\0') + extra);
 
   // A later start trusts the cache and opens no font, kerning included.
   opens = qro_common::FontFileAnalyzer::GetOpenCount();
