@@ -1,4 +1,5 @@
-// The per-face data file reader: character metrics and kerning. What it
+// The per-face data file reader: character metrics, kerning and the extra
+// characters without a range slot. What it
 // accepts must answer look-ups and must write back to bytes that read back
 // to themselves.
 
@@ -70,6 +71,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (in.Available() != 0) kelfont_fuzz::fail("written data has bytes left over");
   if (dataBytes(metricsAgain.get(), kerningAgain.get()) != once) {
     kelfont_fuzz::fail("data written again differs");
+  }
+  if (const qro_common::ExtraCharMetrics* extra =
+          metrics != nullptr ? metrics->GetExtraCharMetrics() : nullptr) {
+    kelfont_fuzz::StringOutputStream written;
+    extra->Write(written);
+    qro_base::MemoryInputStream back(written.bytes.data(), static_cast<unsigned>(written.bytes.size()));
+    qro_common::ExtraCharMetrics again;
+    kelfont_fuzz::StringOutputStream rewritten;
+    if (!again.Read(back) || !again.Write(rewritten) || rewritten.bytes != written.bytes) {
+      kelfont_fuzz::fail("extra characters do not read back to themselves");
+    }
   }
   return static_cast<int>(sum & 0);
 }

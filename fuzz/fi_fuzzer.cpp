@@ -1,5 +1,6 @@
-// The default font information reader ("fi"): look-ups over what it
-// accepts, and a write that reads back to itself.
+// The default font information reader ("fi"), and the reader of the fonts
+// of code points without a slot ("fx", the same bytes taken as runs):
+// look-ups over what they accept, and writes that read back to themselves.
 
 #include <cstddef>
 #include <cstdint>
@@ -8,6 +9,7 @@
 #include "base/Log.h"
 #include "base/MemoryInputStream.h"
 #include "common/font_info/DefaultFontInfo.h"
+#include "common/font_info/ExtraDefaultFonts.h"
 #include "common/font_info/FontInfoSerializer.h"
 #include "fuzz/FuzzSupport.h"
 
@@ -17,6 +19,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   qro_base::setLogHook([](int, const char*, const char*, void*) {}, nullptr);
   const std::string& base = kelfont_fuzz::scratch();
   if (!kelfont_fuzz::writeWhole(base + "FInfo/fi", data, size)) return 0;
+
+  qro_common::ExtraDefaultFonts extra;
+  qro_base::MemoryInputStream runs(reinterpret_cast<const char*>(data), static_cast<unsigned>(size));
+  if (extra.Read(runs)) {
+    int found = 0;
+    for (unsigned code : kelfont_fuzz::probeCodes()) found += extra.GetFontIndex(code);
+    kelfont_fuzz::StringOutputStream written;
+    extra.Write(written);
+    qro_base::MemoryInputStream back(written.bytes.data(), static_cast<unsigned>(written.bytes.size()));
+    qro_common::ExtraDefaultFonts again;
+    kelfont_fuzz::StringOutputStream rewritten;
+    if (!again.Read(back) || !again.Write(rewritten) || rewritten.bytes != written.bytes) {
+      kelfont_fuzz::fail("extra default fonts do not read back to themselves");
+    }
+    (void)found;
+  }
 
   qro_common::FontInfoSerializer serializer(base);
   DefaultFontInfo defaults;
