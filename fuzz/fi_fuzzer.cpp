@@ -21,16 +21,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (!kelfont_fuzz::writeWhole(base + "FInfo/fi", data, size)) return 0;
 
   qro_common::ExtraDefaultFonts extra;
-  qro_base::MemoryInputStream runs(reinterpret_cast<const char*>(data), static_cast<unsigned>(size));
-  if (extra.Read(runs)) {
+  if (extra.Read(reinterpret_cast<const char*>(data), size)) {
     int found = 0;
     for (unsigned code : kelfont_fuzz::probeCodes()) found += extra.GetFontIndex(code);
     kelfont_fuzz::StringOutputStream written;
     extra.Write(written);
-    qro_base::MemoryInputStream back(written.bytes.data(), static_cast<unsigned>(written.bytes.size()));
     qro_common::ExtraDefaultFonts again;
     kelfont_fuzz::StringOutputStream rewritten;
-    if (!again.Read(back) || !again.Write(rewritten) || rewritten.bytes != written.bytes) {
+    if (!again.Read(written.bytes.data(), written.bytes.size()) || !again.Write(rewritten) || rewritten.bytes != written.bytes) {
       kelfont_fuzz::fail("extra default fonts do not read back to themselves");
     }
     (void)found;

@@ -56,16 +56,27 @@ int ExtraDefaultFonts::GetFontIndex(unsigned code) const {
   return code <= it->last ? it->font : -1;
 }
 
-bool ExtraDefaultFonts::Read(qro_base::InputStream& in) {
+namespace {
+
+unsigned le32(const char* p) {
+  const auto* b = reinterpret_cast<const unsigned char*>(p);
+  return b[0] | (b[1] << 8) | (b[2] << 16) | (static_cast<unsigned>(b[3]) << 24);
+}
+
+}  // namespace
+
+bool ExtraDefaultFonts::Read(const char* bytes, std::size_t size) {
   runs_.clear();
-  unsigned count = 0;
-  if (!qro_base::readUInt32(in, count) || count > kMaxRuns) return false;
+  constexpr std::size_t kRunSize = 10;
+  const unsigned count = size >= 4 ? le32(bytes) : 0;
+  if (size < 4 || count > kMaxRuns || (size - 4) / kRunSize != count || (size - 4) % kRunSize != 0) {
+    return false;
+  }
   runs_.reserve(count);
-  for (unsigned i = 0; i < count; ++i) {
-    Run run{};
-    if (!qro_base::readUInt32(in, run.first) || !qro_base::readUInt32(in, run.last) ||
-        !qro_base::readInt16(in, run.font) || run.first > run.last ||
-        (!runs_.empty() && run.first <= runs_.back().last)) {
+  for (const char* p = bytes + 4; p < bytes + size; p += kRunSize) {
+    const auto* b = reinterpret_cast<const unsigned char*>(p);
+    Run run{le32(p), le32(p + 4), static_cast<short>(b[8] | (b[9] << 8))};
+    if (run.first > run.last || (!runs_.empty() && run.first <= runs_.back().last)) {
       runs_.clear();
       return false;
     }

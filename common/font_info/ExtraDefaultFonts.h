@@ -1,8 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
-#include "base/InputStream.h"
 #include "base/OutputStream.h"
 
 namespace qro_common {
@@ -30,9 +30,10 @@ class ExtraDefaultFonts {
   bool IsEmpty() const { return runs_.empty(); }
   void Clear() { runs_.clear(); }
 
-  // Replaces the content; false (and empty) when the input ends early or
-  // the runs are too many, reversed, overlapping or out of order.
-  bool Read(qro_base::InputStream& in);
+  // Replaces the content with the binary form in `bytes`; false (and
+  // empty) when it ends early, has bytes left over, or its runs are too
+  // many, reversed, overlapping or out of order.
+  bool Read(const char* bytes, std::size_t size);
   // False when the stream refused a byte.
   bool Write(qro_base::OutputStream& out) const;
 

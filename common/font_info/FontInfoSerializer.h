@@ -134,8 +134,8 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   bool WriteDefaultFontInfo(DefaultFontInfo& in);
   // With "fi", ReadDefaultFontInfo() reads and WriteDefaultFontInfo()
   // writes (or removes, when there are none) the "fx" file: the fonts of
-  // the code points no slot holds. Its first four bytes are the CRC-32 of
-  // the "fi" bytes it was written with; read with other "fi" bytes, or
+  // the code points no slot holds. Its first eight bytes are a fingerprint
+  // of the "fi" bytes it was written with; read with other "fi" bytes, or
   // damaged, it gives none.
   std::string GetExtraDefaultFontsPath() const;
 
