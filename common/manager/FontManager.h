@@ -271,7 +271,7 @@ class FontManager : public qro_base::NonCopyable {
   CharMetricsInfo* LoadedCharMetricsInfo(FontInfo& info, int fontIndex);
   // The kerning of a face whose data holds none, read from its font file
   // on the first kerning query (a scan leaves the GPOS step to it) and
-  // added to its data file; null when the face has no pairs.
+  // added to its data file; an empty table when the face has no pairs.
   const KerningInfo* KerningOnFirstUse(FontInfo& info);
   // The parts of GetCharAdvanceRatio() and ConfirmVisibleChar() after a
   // cache miss, kept apart so that a cache hit costs a small function.

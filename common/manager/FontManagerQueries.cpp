@@ -28,11 +28,15 @@ CharMetricsInfo* FontManager::LoadedCharMetricsInfo(FontInfo& info, int fontInde
 const KerningInfo* FontManager::KerningOnFirstUse(FontInfo& info) {
   std::lock_guard<std::mutex> lock(mutex_);
   if (const KerningInfo* kerning = info.GetKerningInfo()) return kerning;
-  if (info.IsKerningLookedUp() || !hasGposKerning()) return nullptr;
-  std::unique_ptr<KerningInfo> kerning(FontFileAnalyzer::ReadKerningOnFirstUse(info));
+  std::unique_ptr<KerningInfo> kerning;
+  if (!info.IsKerningLookedUp() && hasGposKerning()) {
+    kerning.reset(FontFileAnalyzer::ReadKerningOnFirstUse(info));
+  }
   if (kerning == nullptr) {
+    // No pairs: an empty table answers the next queries without the lock.
     info.SetKerningLookedUp(true);
-    return nullptr;
+    info.SetKerningInfo(new KerningInfo());
+    return info.GetKerningInfo();
   }
   info.SetKerningInfo(kerning.release());
   // Kept with the face's data, so that later starts read the pairs rather
