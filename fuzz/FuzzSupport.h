@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "base/FileUtils.h"
-#include "base/OutputStream.h"
+#include "base/StringOutputStream.h"
 #include "common/font_info/FontInfo.h"
 #include "common/registry/FontTable.h"
 
@@ -55,21 +55,14 @@ inline bool writeWhole(const std::string& path, const uint8_t* data, size_t size
   return std::fclose(file) == 0 && ok;
 }
 
-// Collects what is written.
-class StringOutputStream : public qro_base::OutputStream {
- public:
-  StringOutputStream() { open_ = true; }
-  bool Write(char c) override {
-    bytes.push_back(c);
-    return true;
-  }
-  bool Write(const char* buffer, unsigned count) override {
-    bytes.append(buffer, count);
-    return true;
-  }
-  bool Close() override { return true; }
+// The bytes `table` writes.
+template <typename Table>
+std::string bytesOf(const Table& table) {
   std::string bytes;
-};
+  qro_base::StringOutputStream out(bytes);
+  table.Write(out);
+  return bytes;
+}
 
 // Stops the run: a property that must hold did not.
 [[noreturn]] inline void fail(const char* what) {

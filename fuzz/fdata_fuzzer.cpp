@@ -24,10 +24,8 @@ namespace {
 
 // The bytes of a data file holding `metrics` and `kerning`.
 std::string dataBytes(const CharMetricsInfo* metrics, const KerningInfo* kerning) {
-  kelfont_fuzz::StringOutputStream out;
-  if (metrics != nullptr) metrics->Write(out);
-  if (kerning != nullptr) kerning->Write(out);
-  return out.bytes;
+  return (metrics ? kelfont_fuzz::bytesOf(*metrics) : "") +
+         (kerning ? kelfont_fuzz::bytesOf(*kerning) : "");
 }
 
 }  // namespace
@@ -74,12 +72,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   if (const qro_common::ExtraCharMetrics* extra =
           metrics != nullptr ? metrics->GetExtraCharMetrics() : nullptr) {
-    kelfont_fuzz::StringOutputStream written;
-    extra->Write(written);
-    qro_base::MemoryInputStream back(written.bytes.data(), static_cast<unsigned>(written.bytes.size()));
+    const std::string written = kelfont_fuzz::bytesOf(*extra);
+    qro_base::MemoryInputStream back(written.data(), static_cast<unsigned>(written.size()));
     qro_common::ExtraCharMetrics again;
-    kelfont_fuzz::StringOutputStream rewritten;
-    if (!again.Read(back) || !again.Write(rewritten) || rewritten.bytes != written.bytes) {
+    if (!again.Read(back) || kelfont_fuzz::bytesOf(again) != written) {
       kelfont_fuzz::fail("extra characters do not read back to themselves");
     }
   }

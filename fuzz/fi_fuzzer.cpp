@@ -24,11 +24,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (extra.Read(reinterpret_cast<const char*>(data), size)) {
     int found = 0;
     for (unsigned code : kelfont_fuzz::probeCodes()) found += extra.GetFontIndex(code);
-    kelfont_fuzz::StringOutputStream written;
-    extra.Write(written);
+    const std::string written = kelfont_fuzz::bytesOf(extra);
     qro_common::ExtraDefaultFonts again;
-    kelfont_fuzz::StringOutputStream rewritten;
-    if (!again.Read(written.bytes.data(), written.bytes.size()) || !again.Write(rewritten) || rewritten.bytes != written.bytes) {
+    if (!again.Read(written.data(), written.size()) || kelfont_fuzz::bytesOf(again) != written) {
       kelfont_fuzz::fail("extra default fonts do not read back to themselves");
     }
     (void)found;
@@ -42,9 +40,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     sum += defaults.GetFontIndex(code);
   }
 
-  kelfont_fuzz::StringOutputStream once;
-  defaults.Write(once);
-  qro_base::MemoryInputStream in(once.bytes.data(), static_cast<unsigned>(once.bytes.size()));
+  const std::string once = kelfont_fuzz::bytesOf(defaults);
+  qro_base::MemoryInputStream in(once.data(), static_cast<unsigned>(once.size()));
   DefaultFontInfo again;
   // A file whose only non-zero type bytes are unknown kinds reads as loaded
   // and writes back as 128 empty slots: empty, but not damaged.
@@ -52,8 +49,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     kelfont_fuzz::fail("written default font information does not read back");
   }
   if (in.Available() != 0) kelfont_fuzz::fail("written default font information has bytes left");
-  kelfont_fuzz::StringOutputStream twice;
-  again.Write(twice);
-  if (twice.bytes != once.bytes) kelfont_fuzz::fail("default font information written again differs");
+  if (kelfont_fuzz::bytesOf(again) != once) kelfont_fuzz::fail("default font information written again differs");
   return sum & 0;
 }

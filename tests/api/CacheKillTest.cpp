@@ -20,8 +20,7 @@
 #include "common/analysis/FontUSBType.h"
 #include "common/font_info/CharMetrics.h"
 #include "common/font_info/FontInfoSerializer.h"
-#include "common/manager/FontManager.h"
-#include "native/DefaultFontInfoFileExtracter.h"
+#include "tests/common/manager/ManagerScenario.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestFonts.h"
 
@@ -33,16 +32,6 @@ using qro_common::FontInfoSerializer;
 
 // The styles of "KelTest Basic": regular, bold, italic.
 const char* const kFiles[] = {"basic.ttf", "bold.ttf", "italic.ttf"};
-
-class KillManager : public qro_common::FontManager {
- public:
-  KillManager(qro_common::FontInfoFileExtracter* extracter, const std::string& storage,
-              const std::string& fonts)
-      : FontManager(extracter) {
-    SetStoragePath(storage);
-    AddFontDirectoryPath(fonts);
-  }
-};
 
 struct Cache {
   std::vector<FontInfo*> infos;
@@ -95,7 +84,7 @@ TEST(CacheKill, AKilledWriterLeavesTheOldOrTheNewCacheWhole) {
   // writes, in two variants.
   {
     qro_ni::DefaultFontInfoFileExtracter extracter(scanned, none);
-    KillManager(&extracter, scanned, fonts).Initialize();
+    kelfont_test::TestFontManager(&extracter, scanned, {fonts}).Initialize();
   }
   Cache cache;
   {
@@ -162,7 +151,7 @@ TEST(CacheKill, AKilledWriterLeavesTheOldOrTheNewCacheWhole) {
     // The font manager trusts the cache (nothing changed), the facade reads
     // it: both answer the fonts' own advances.
     qro_ni::DefaultFontInfoFileExtracter extracter(storage, none);
-    KillManager manager(&extracter, storage, fonts);
+    kelfont_test::TestFontManager manager(&extracter, storage, {fonts});
     ASSERT_FALSE(manager.IsModified());
     manager.Initialize();
     CKelFontWidth facade;

@@ -5,17 +5,13 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
-#include <atomic>
-#include <chrono>
-#include <random>
-#include <thread>
 
 #include "api/KelFontWidth.h"
 #include "api/kelfont.h"
 #include "common/registry/FontTable.h"
 #include "tests/api/FacadeCache.h"
+#include "tests/support/Concurrently.h"
 #include "tests/support/TempDir.h"
 
 namespace {
@@ -96,33 +92,8 @@ TEST(FacadeConcurrency, EightThreadsAnswerAsOneWhileFacesAreDroppedAndReloaded) 
   std::vector<Answer> expected;
   for (const Query& q : queries) expected.push_back(ask(&reference, q));
 
-  std::atomic<int> wrong{0};
-  std::atomic<bool> done{false};
-  std::thread clearer([&] {
-    while (!done.load()) {
-      ClearKelFontCacheInfo();
-      std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-  });
-  std::vector<std::thread> threads;
-  for (unsigned t = 0; t < 8; ++t) {
-    threads.emplace_back([&, t] {
-      std::vector<std::size_t> order(queries.size());
-      for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
-      std::mt19937 random(t + 1);
-      for (int round = 0; round < 3; ++round) {
-        std::shuffle(order.begin(), order.end(), random);
-        for (std::size_t i : order) {
-          if (ask(nullptr, queries[i]) != expected[i]) ++wrong;
-        }
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  done = true;
-  clearer.join();
-
-  EXPECT_EQ(wrong.load(), 0);
+  auto same = [&](std::size_t i) { return ask(nullptr, queries[i]) == expected[i]; };
+  EXPECT_EQ(kelfont_test::askedAtOnce(queries.size(), 3, same, [] { ClearKelFontCacheInfo(); }), 0);
   // The answers depend on the data files: a crowd font's kerning and advance.
   EXPECT_EQ(ask(nullptr, {Kind::kKerning, fontCount - 1, 'A', false, false}), (Answer{0, -40}));
   EXPECT_EQ(ask(nullptr, {Kind::kAdvance, fontCount - 1, 'B', false, false}), (Answer{0, 239}));

@@ -25,12 +25,6 @@ TEST(AKHashMap, SizeBelowTenIsRefusedOnStandardError) {
   EXPECT_EQ(map.GetBucketHead(0), nullptr);
 }
 
-TEST(AKHashMap, BucketOfAKeyAndNoKey) {
-  Map map(200, 10, AKHashMapHashMethodDefault);
-  EXPECT_EQ(map.GetBucketIndex("abc", 3), 102563u % 211u);
-  EXPECT_EQ(Map::Hash(nullptr, 0, 10), 0u);
-}
-
 TEST(AKHashMap, FindsWholeKeysAndTheLastInsertionWins) {
   Map map(10, 10, AKHashMapHashMethodDefault);
   const char withZero[] = {'a', 'b', '\0', 'c'};

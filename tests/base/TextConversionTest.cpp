@@ -91,13 +91,13 @@ TEST(FloatToArray, AgreesWithTheCLibraryAwayFromTies) {
   }
 }
 
-// Unit by unit, flagged units only: titlecase U+1F88 and Glagolitic (flagged
-// but outside the tables) stay; surrogates are copied; in place works.
 TEST(FloatToArray, TheDocumentedBufferIsEnough) {
   std::vector<char> exact(4 + 1 + 2);  // 4 + fraction digits + integer digits
   EXPECT_STREQ(qro_base::FloatToArray(-9.996, 2, exact.data(), true), "-10.00");
 }
 
+// Unit by unit, flagged units only: titlecase U+1F88 and Glagolitic (flagged
+// but outside the tables) stay; surrogates are copied; in place works.
 TEST(CaseConversion, MapsFlaggedUnitsOnly) {
   u16string out = u16("garbage");
   qro_base::toLowerCase(u16string{'A', 0x212A, 0x1F88, 0x2C00, 0xD801, 0xDC00}, out);

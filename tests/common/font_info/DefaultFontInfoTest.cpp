@@ -12,7 +12,6 @@
 namespace {
 
 using font_info_test::addDefaultFont;
-using font_info_test::ByteSink;
 using font_info_test::hex;
 using font_info_test::source;
 using font_info_test::zeros;
@@ -67,22 +66,6 @@ TEST(DefaultFontInfo, ReadSkipsUnknownTypesAndIgnoresSubRangeTypes) {
   ASSERT_EQ(multi->GetCount(), 2);
   ASSERT_NE(multi->GetDefaultFontRange(1), nullptr);
   EXPECT_EQ(multi->GetDefaultFontRange(1)->Get(0x100), 4);
-}
-
-// Golden bytes and damaged bodies: tests/data/byte_formats.tsv.
-TEST(DefaultFontInfo, EveryTruncationIsDamage) {
-  DefaultFontInfo info;
-  addDefaultFont(info, 0x41, 3);
-  addDefaultFont(info, 0xAC00, 5);
-  ByteSink out;
-  ASSERT_TRUE(info.Write(out));
-  for (size_t cut = 0; cut < out.bytes.size(); ++cut) {
-    std::string part = out.bytes.substr(0, cut);
-    auto in = source(part);
-    DefaultFontInfo copy;
-    ASSERT_EQ(copy.ReadChecked(in), DefaultFontInfo::ReadResult::kDamaged) << cut;
-    ASSERT_EQ(copy.GetFontIndex(0x41), -1);
-  }
 }
 
 }  // namespace

@@ -5,18 +5,13 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
-#include <chrono>
-#include <mutex>
-#include <random>
-#include <thread>
 
 #include "common/font_info/CharMetrics.h"
 #include "common/font_info/FontInfo.h"
-#include "common/manager/Path.h"
 #include "common/registry/FontTable.h"
 #include "tests/common/manager/ManagerScenario.h"
+#include "tests/support/Concurrently.h"
 #include "tests/support/TestFonts.h"
 
 namespace kelfont_test {
@@ -43,20 +38,6 @@ struct Query {
   unsigned second;
   bool bold;
   bool italic;
-};
-
-struct RecordingPath : qro_graphics::Path {
-  Answer* out;
-  explicit RecordingPath(Answer* answer) : out(answer) {}
-  void reset() override { out->push_back('R'); }
-  void moveTo(float x, float y) override { out->insert(out->end(), {'M', x, y}); }
-  void lineTo(float x, float y) override { out->insert(out->end(), {'L', x, y}); }
-  void quadTo(float a, float b, float x, float y) override {
-    out->insert(out->end(), {'Q', a, b, x, y});
-  }
-  void cubicTo(float a, float b, float c, float d, float x, float y) override {
-    out->insert(out->end(), {'C', a, b, c, d, x, y});
-  }
 };
 
 float infoIndex(const qro_common::FontInfo* info) {
@@ -94,13 +75,12 @@ Answer ask(qro_common::FontManager& manager, const Query& q) {
       return {
           static_cast<float>(manager.GetKerningWidth(q.font, q.bold, q.italic, q.code, q.second))};
     case Kind::kOutline: {
-      Answer out;
-      RecordingPath path(&out);
+      RecordingPath path;
       float x = 10.5f, y = 20.0f;
       const qro_common::FontInfo* info = manager.ResolveSystemFontInfo(q.font, q.bold, q.italic);
-      out.push_back(static_cast<float>(manager.OutlineToPath(info, q.code, x, y, &path)));
-      out.push_back(x);
-      return out;
+      path.out.push_back(static_cast<float>(manager.OutlineToPath(info, q.code, x, y, &path)));
+      path.out.push_back(x);
+      return path.out;
     }
   }
   return {};
@@ -155,44 +135,15 @@ TEST(FontManagerConcurrencyTest, EightThreadsAnswerAsOneWhileFacesAreDroppedAndR
   ASSERT_GT(rig->GetFontTable()->GetFontInfoCount(),
             int(qro_common::FontManager::kMaxLoadedBeforeEviction) + 10);
 
-  std::atomic<int> wrong{0};
   std::atomic<int> loadedKerning{0};
-  std::atomic<bool> done{false};
-  std::mutex firstMutex;
-  std::string first;
-  auto worker = [&](unsigned seed) {
-    std::vector<std::size_t> order(queries.size());
-    for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
-    std::shuffle(order.begin(), order.end(), std::mt19937(seed));
-    for (std::size_t i : order) {
-      Answer got = ask(*rig.manager, queries[i]);
-      bool ok = got == expected[i];
-      if (queries[i].kind == Kind::kKerning && !ok) {
-        ok = got == Answer{0.0f};  // dropped again between loading and asking
-      } else if (queries[i].kind == Kind::kKerning && got[0] != 0) {
-        ++loadedKerning;
-      }
-      if (!ok && wrong++ == 0) {
-        std::lock_guard<std::mutex> lock(firstMutex);
-        first = "query " + std::to_string(i) + " kind " +
-                std::to_string(static_cast<int>(queries[i].kind)) + " font " +
-                std::to_string(queries[i].font) + " code " + std::to_string(queries[i].code);
-      }
-    }
+  auto same = [&](std::size_t i) {
+    Answer got = ask(*rig.manager, queries[i]);
+    if (queries[i].kind != Kind::kKerning) return got == expected[i];
+    if (got == Answer{0.0f}) return true;  // dropped again between loading and asking
+    ++loadedKerning;
+    return got == expected[i];
   };
-  std::thread clearer([&] {
-    while (!done.load()) {
-      rig->ClearCacheInfo();
-      std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-  });
-  std::vector<std::thread> threads;
-  for (unsigned t = 0; t < 8; ++t) threads.emplace_back(worker, t + 1);
-  for (std::thread& thread : threads) thread.join();
-  done = true;
-  clearer.join();
-
-  EXPECT_EQ(wrong.load(), 0) << first;
+  EXPECT_EQ(askedAtOnce(queries.size(), 1, same, [&] { rig->ClearCacheInfo(); }), 0);
   EXPECT_GT(loadedKerning.load(), 0);
   EXPECT_LE(rig->GetLoadedFontInfos().size(),
             qro_common::FontManager::kMaxLoadedBeforeEviction + 1);

@@ -7,27 +7,13 @@
 #include FT_OUTLINE_H
 
 #include "common/font_info/FontInfo.h"
-#include "common/manager/Path.h"
 #include "tests/common/manager/ManagerScenario.h"
 #include "tests/support/TestFonts.h"
 
 namespace kelfont_test {
 namespace {
 
-using Commands = std::vector<std::vector<float>>;  // {op, coordinates...}
-
-struct RecordingPath : qro_graphics::Path {
-  Commands commands;
-  void reset() override { commands.push_back({'R'}); }
-  void moveTo(float x, float y) override { commands.push_back({'M', x, y}); }
-  void lineTo(float x, float y) override { commands.push_back({'L', x, y}); }
-  void quadTo(float a, float b, float x, float y) override {
-    commands.push_back({'Q', a, b, x, y});
-  }
-  void cubicTo(float a, float b, float c, float d, float x, float y) override {
-    commands.push_back({'C', a, b, c, d, x, y});
-  }
-};
+using Commands = std::vector<float>;  // as RecordingPath writes them
 
 // A glyph of basic.ttf loaded by FreeType at 32 pixels per em (grid-fitted):
 // its outline placed at (ox, oy) with y downward, and its metrics.
@@ -41,11 +27,8 @@ Reference freetypeGlyph(unsigned glyph, int ox, int oy) {
     Commands out;
     int ox, oy;
     void add(char op, std::initializer_list<const FT_Vector*> points) {
-      out.push_back({float(op)});
-      for (const FT_Vector* p : points) {
-        out.back().push_back(float(ox + p->x));
-        out.back().push_back(float(oy - p->y));
-      }
+      out.push_back(float(op));
+      for (const FT_Vector* p : points) out.insert(out.end(), {float(ox + p->x), float(oy - p->y)});
     }
   } c{{}, ox, oy};
   FT_Outline_Funcs funcs = {};
@@ -94,8 +77,8 @@ TEST_F(FontManagerOutlineTest, GlyphsAreDrawnFromTheTruncatedPenWithYFlipped) {
     float x = 100.7f, y = 50.2f;
     ASSERT_EQ(manager.OutlineToPath(&info, ch, x, y, &drawn), 0);
     Reference reference = freetypeGlyph(glyphOf(ch), 100, 50);
-    EXPECT_EQ(drawn.commands, reference.commands) << ch;
-    EXPECT_EQ(drawn.commands.empty(), ch == ' ');  // a space draws nothing
+    EXPECT_EQ(drawn.out, reference.commands) << ch;
+    EXPECT_EQ(drawn.out.empty(), ch == ' ');  // a space draws nothing
     EXPECT_FLOAT_EQ(x, 100.7f + float(reference.metrics.horiAdvance)) << ch;
     EXPECT_FLOAT_EQ(y, 50.2f);
     // 2048 units per em, basic.ttf's own: up to the grid fitting of one
@@ -108,7 +91,7 @@ TEST_F(FontManagerOutlineTest, GlyphIndexMovesOnlyThePenByTheSideBearing) {
   float x = 100.7f, y = 50.2f;
   ASSERT_EQ(manager.GlyphOutlineToPath(&info, glyphOf('A'), x, y, &path), 0);
   Reference reference = freetypeGlyph(glyphOf('A'), 100, 50);
-  EXPECT_EQ(path.commands, reference.commands);
+  EXPECT_EQ(path.out, reference.commands);
   ASSERT_LT(reference.metrics.width, reference.metrics.horiAdvance);
   EXPECT_FLOAT_EQ(x,
                   100.7f + float(reference.metrics.horiBearingX + reference.metrics.horiAdvance));
@@ -121,7 +104,7 @@ TEST_F(FontManagerOutlineTest, GlyphIndexMovesOnlyThePenByTheSideBearing) {
   EXPECT_EQ(manager.OutlineToPath(&missing, 'A', x, y, &untouched), -1);
   EXPECT_EQ(manager.GlyphOutlineToPath(nullptr, 1, x, y, &untouched), -1);
   EXPECT_FLOAT_EQ(x, 5);
-  EXPECT_TRUE(untouched.commands.empty());
+  EXPECT_TRUE(untouched.out.empty());
 }
 
 }  // namespace

@@ -18,7 +18,6 @@
 #include "common/font_info/CharMetrics.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/FontInfo.h"
-#include "common/manager/Path.h"
 #include "common/registry/FontTable.h"
 #include "tests/common/manager/ManagerScenario.h"
 #include "tests/support/FileSizeLimit.h"
@@ -29,6 +28,7 @@
 namespace {
 
 using kelfont_test::readFile;
+using kelfont_test::RecordingPath;
 using kelfont_test::TempDir;
 using kelfont_test::testFontPath;
 using kelfont_test::TestFontManager;
@@ -67,16 +67,6 @@ int expectedAdvance(const std::string& font, unsigned code) {
   auto found = face.chars.find(code);
   return found != face.chars.end() ? found->second.advance : -1;
 }
-
-class CountingPath : public qro_graphics::Path {
- public:
-  void reset() override { commands = 0; }
-  void moveTo(float, float) override { ++commands; }
-  void lineTo(float, float) override { ++commands; }
-  void quadTo(float, float, float, float) override { ++commands; }
-  void cubicTo(float, float, float, float, float, float) override { ++commands; }
-  int commands = 0;
-};
 
 TEST(HostileFiles, BadEntriesOfAFontFolderAreSkippedAndTheRestIsKept) {
   TempDir root;
@@ -164,12 +154,12 @@ TEST(HostileFiles, FontPathsLongerThanAPathBuffer) {
     Start start(storage, {fonts});
     EXPECT_EQ(pathOf(start.manager, "KelTest Basic"), fonts + "/basic.ttf");
     EXPECT_EQ(advanceOf(start.manager, "KelTest Basic", 'V'), expectedAdvance("basic.ttf", 'V'));
-    CountingPath path;
+    RecordingPath path;
     float x = 0, y = 0;
     const FontInfo* info = start.manager.GetFontInfo(start.manager.GetFontIndex("KelTest Basic"),
                                                      false, false);
     ASSERT_EQ(start.manager.OutlineToPath(info, 'A', x, y, &path), 0);
-    EXPECT_EQ(path.commands, 4);  // the triangle: a move and three lines
+    EXPECT_EQ(path.out.size(), 12u);  // the triangle: a move and three lines
     // The outline is hinted at 32 pixels per em: the advance comes out in
     // whole pixels of 64 units.
     EXPECT_EQ(x, static_cast<float>((expectedAdvance("basic.ttf", 'A') + 32) / 64 * 64));
@@ -207,7 +197,7 @@ TEST(HostileFiles, AFontRewrittenInPlaceWhileOpen) {
   face.SetInfoIndex(1);
   face.SetFilePath(new std::string(large));
   TestFontManager manager(nullptr, dir.path() + "/", {});
-  CountingPath drawn;
+  RecordingPath drawn;
   float x = 0, y = 0;
   ASSERT_EQ(manager.OutlineToPath(&face, 'A', x, y, &drawn), 0);
   ASSERT_EQ(truncate(large.c_str(), 0), 0);
