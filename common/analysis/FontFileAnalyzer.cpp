@@ -1,6 +1,7 @@
 #include "common/analysis/FontFileAnalyzer.h"
 
 #include FT_ADVANCES_H
+#include FT_MULTIPLE_MASTERS_H
 #include FT_SFNT_NAMES_H
 #include FT_TRUETYPE_IDS_H
 #include FT_TRUETYPE_TAGS_H
@@ -33,6 +34,8 @@ namespace {
 
 constexpr int kEnglishUnitedStates = 1033;
 constexpr unsigned short kUnitsPerEmWithoutHead = 1024;
+// Named instances beyond this would not fit a positive int face index.
+constexpr FT_UInt kMaxNamedInstance = 0x7FFF;
 constexpr FT_ULong kFirstKerningChar = 32;  // printable ASCII, 32..126
 constexpr int kKerningCharCount = 95;
 
@@ -139,6 +142,7 @@ bool FontFileAnalyzer::Open(const char* path, int faceIndex) {
     return false;
   }
   faceCount_ = static_cast<unsigned char>(face->num_faces);
+  namedInstanceCount_ = (faceIndex >> 16) == 0 ? static_cast<int>(face->style_flags >> 16) : 0;
   const auto* os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
   if (os2 == nullptr) {
     FT_Done_Face(face);
@@ -148,6 +152,40 @@ bool FontFileAnalyzer::Open(const char* path, int faceIndex) {
   os2_ = os2;
   isOpen_ = true;
   return true;
+}
+
+std::vector<int> FontFileAnalyzer::ListNamedInstances(const char* path, int face) {
+  std::vector<int> plain;
+  if (!libraryReady_ || path == nullptr || face < 0 || face > 0xFFFF) return plain;
+  FT_Face base = nullptr;
+  if (FontFileStream::OpenFace(library_, path, face, &base) != 0) return plain;
+  FT_MM_Var* axes = nullptr;
+  if ((base->style_flags >> 16) > 0 && FT_HAS_MULTIPLE_MASTERS(base) &&
+      FT_Get_MM_Var(base, &axes) == 0) {
+    std::vector<int> others;
+    const FT_UInt count =
+        std::min<FT_UInt>(axes->num_namedstyles, static_cast<FT_UInt>(base->style_flags >> 16));
+    for (FT_UInt i = 0; i < count && i < kMaxNamedInstance; ++i) {
+      const FT_Fixed* coords = axes->namedstyle[i].coords;
+      bool atDefault = true;
+      for (FT_UInt a = 0; a < axes->num_axis; ++a) {
+        atDefault = atDefault && coords[a] == axes->axis[a].def;
+      }
+      if (atDefault) continue;
+      const int instance = static_cast<int>(i) + 1;
+      FT_Face named = nullptr;
+      if (FontFileStream::OpenFace(library_, path, instance << 16 | face, &named) != 0) continue;
+      const std::string style = named->style_name != nullptr ? named->style_name : "";
+      FT_Done_Face(named);
+      const bool isPlain =
+          style == "Regular" || style == "Bold" || style == "Italic" || style == "Bold Italic";
+      (isPlain ? plain : others).push_back(instance);
+    }
+    plain.insert(plain.end(), others.begin(), others.end());
+    FT_Done_MM_Var(library_, axes);
+  }
+  FT_Done_Face(base);
+  return plain;
 }
 
 void FontFileAnalyzer::Close() {
@@ -441,7 +479,10 @@ void FontFileAnalyzer::AnalyzeKerningInfo(FontInfo& info) {
 KerningInfo* FontFileAnalyzer::ReadKerningOnFirstUse(const FontInfo& info) {
   const std::string* path = info.GetFilePath();
   FontFileAnalyzer analyzer;
-  if (path == nullptr || !analyzer.Open(path->c_str(), info.GetFaceIndex())) return nullptr;
+  if (path == nullptr ||
+      !analyzer.Open(path->c_str(), static_cast<int>(info.GetFreeTypeFaceIndex()))) {
+    return nullptr;
+  }
   return analyzer.ReadKerning().release();
 }
 

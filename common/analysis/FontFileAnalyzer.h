@@ -61,9 +61,10 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   // Releases an open face, then the library.
   virtual ~FontFileAnalyzer();
 
-  // Opens face `faceIndex` of the file at `path`. False when the library
-  // is not ready, FreeType cannot open the face, the face has no OS/2 table
-  // or the index is negative. An open face is closed first.
+  // Opens face `faceIndex` of the file at `path` (FreeType's face index: a
+  // named instance of a variable face in the upper 16 bits). False when
+  // the library is not ready, FreeType cannot open the face, the face has
+  // no OS/2 table or the index is negative. An open face is closed first.
   bool Open(const char* path, int faceIndex);
   // Releases the open face; nothing when none is open.
   void Close();
@@ -134,6 +135,16 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   bool IsOpen() const { return isOpen_; }
   // Number of faces in the opened file, as FreeType reports it, in 8 bits.
   unsigned char GetFaceCount() const { return faceCount_; }
+  // Number of named instances of the face last opened without one (0 for
+  // a face that is not variable, and after opening a named instance).
+  int GetNamedInstanceCount() const { return namedInstanceCount_; }
+  // The named instances of face `face` of the file at `path` that become
+  // faces of their own, in the order they are registered: all of them
+  // but one at the default coordinates (the face itself is that one),
+  // those styled exactly "Regular", "Bold", "Italic" or "Bold Italic"
+  // first, so that the first-come slots of a font go to them, then the
+  // others in the font's order. Empty for a face that is not variable.
+  std::vector<int> ListNamedInstances(const char* path, int face);
   // Size of the file given to the last Open() (0 when unreadable).
   int GetFileSize() const { return fileSize_; }
   // Second choice for the font name after 1033 (English, United States).
@@ -179,6 +190,7 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   const TT_OS2* os2_ = nullptr;
   unsigned short preferredLanguage_ = 1033;
   unsigned char faceCount_ = 0;
+  int namedInstanceCount_ = 0;
   int fileSize_ = 0;
   bool libraryReady_ = false;
   bool isOpen_ = false;
