@@ -34,8 +34,9 @@ namespace {
 
 constexpr int kEnglishUnitedStates = 1033;
 constexpr unsigned short kUnitsPerEmWithoutHead = 1024;
-// Named instances beyond this would not fit a positive int face index.
-constexpr FT_UInt kMaxNamedInstance = 0x7FFF;
+// Named instances taken per face: more than fonts have (a few dozen), few
+// enough that a font claiming thousands does not hold up a scan.
+constexpr FT_UInt kMaxNamedInstances = 256;
 constexpr FT_ULong kFirstKerningChar = 32;  // printable ASCII, 32..126
 constexpr int kKerningCharCount = 95;
 
@@ -165,7 +166,7 @@ std::vector<int> FontFileAnalyzer::ListNamedInstances(const char* path, int face
     std::vector<int> others;
     const FT_UInt count =
         std::min<FT_UInt>(axes->num_namedstyles, static_cast<FT_UInt>(base->style_flags >> 16));
-    for (FT_UInt i = 0; i < count && i < kMaxNamedInstance; ++i) {
+    for (FT_UInt i = 0; i < count && i < kMaxNamedInstances; ++i) {
       const FT_Fixed* coords = axes->namedstyle[i].coords;
       bool atDefault = true;
       for (FT_UInt a = 0; a < axes->num_axis; ++a) {

@@ -143,7 +143,8 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   // but one at the default coordinates (the face itself is that one),
   // those styled exactly "Regular", "Bold", "Italic" or "Bold Italic"
   // first, so that the first-come slots of a font go to them, then the
-  // others in the font's order. Empty for a face that is not variable.
+  // others in the font's order; of the first 256 named instances. Empty
+  // for a face that is not variable.
   std::vector<int> ListNamedInstances(const char* path, int face);
   // Size of the file given to the last Open() (0 when unreadable).
   int GetFileSize() const { return fileSize_; }

@@ -1,17 +1,18 @@
 #!/usr/bin/python3
-"""Writes <dir>/variable/keltest-var.ttf: "KelTest Var", a variable font with
-one weight axis (400 to 700, default 400) and the named instances Regular
-(400, the default), Semi Bold (550) and Bold (700). Every glyph is a box
-whose advance grows with the weight by its own amount. It lies in a folder
-of its own, apart from the fonts that tests scan as a whole."""
+# Writes <dir>/variable/keltest-var.ttf: "KelTest Var", a variable font with
+# one weight axis (400 to 700, default 400) and the named instances Regular
+# (400, the default), Semi Bold (550) and Bold (700). Every glyph is a box
+# whose advance grows with the weight by its own amount. It lies in a folder
+# of its own, apart from the fonts that tests scan as a whole.
 
 import os
 import sys
 
+from fontTools import varLib
 from fontTools.designspaceLib import AxisDescriptor, DesignSpaceDocument, SourceDescriptor
 from fontTools.fontBuilder import FontBuilder
 from fontTools.pens.ttGlyphPen import TTGlyphPen
-from fontTools import varLib
+from fontTools.ttLib.tables._f_v_a_r import NamedInstance
 
 CHARS = {0x20: "space", 0x41: "A", 0x42: "B", 0x61: "a"}
 
@@ -55,14 +56,11 @@ def main():
         source.location = {"Weight": weight}
         doc.addSource(source)
     font, _, _ = varLib.build(doc)
-    name = font["name"]
-    fvar = font["fvar"]
-    from fontTools.ttLib.tables._f_v_a_r import NamedInstance
     for style, weight in (("Regular", 400), ("Semi Bold", 550), ("Bold", 700)):
         instance = NamedInstance()
-        instance.subfamilyNameID = name.addMultilingualName({"en": style}, mac=False)
+        instance.subfamilyNameID = font["name"].addMultilingualName({"en": style}, mac=False)
         instance.coordinates = {"wght": weight}
-        fvar.instances.append(instance)
+        font["fvar"].instances.append(instance)
     font.save(os.path.join(out, "keltest-var.ttf"))
 
 
