@@ -344,12 +344,14 @@ bool FontFileAnalyzer::Classify(FT_ULong code) {
 
 bool FontFileAnalyzer::PrepareMetricsAdvances() {
   metricsAdvances_.clear();
-  if (advanceSource_ != AdvanceSource::kMetrics || FT_HAS_MULTIPLE_MASTERS(face_) ||
-      face_->num_glyphs <= 0) {
-    return false;
-  }
+  if (advanceSource_ != AdvanceSource::kMetrics || face_->num_glyphs <= 0) return false;
   metricsAdvances_.resize(static_cast<std::size_t>(face_->num_glyphs));
-  if (!LoadedAdvances::ReadMetrics(face_, metricsAdvances_) &&
+  // The table's advances are those of the default instance: a face with
+  // variations has FreeType vary them. FreeType reads the HVAR table at the
+  // first glyph's metrics and, until it has, loads every glyph for them.
+  const bool variable = FT_HAS_MULTIPLE_MASTERS(face_);
+  if (variable) FT_Load_Glyph(face_, 0, FT_LOAD_NO_SCALE);
+  if ((variable || !LoadedAdvances::ReadMetrics(face_, metricsAdvances_)) &&
       FT_Get_Advances(face_, 0, static_cast<FT_UInt>(face_->num_glyphs), FT_LOAD_NO_SCALE,
                       metricsAdvances_.data()) != 0) {
     metricsAdvances_.clear();

@@ -43,15 +43,16 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
     // to what loading gives by LoadedAdvances: a TrueType composite that
     // takes its component's metrics advances by that component, a glyph
     // whose data would not load has no advance, and a glyph whose data it
-    // cannot vouch for is loaded after all. A face with variations
-    // (multiple masters) loads every glyph, since its glyphs' advances may
-    // be adjusted on loading.
+    // cannot vouch for is loaded after all. A face with variations has its
+    // metrics read by FT_Get_Advances, not from the table: FreeType varies
+    // them as loading does (by the HVAR table, or by loading each glyph
+    // when there is none).
     kMetrics,
     // Every glyph loaded with FT_Load_Glyph(FT_LOAD_NO_SCALE); a glyph that
     // does not load drops its characters. This is the rule the metrics
     // above follow; a test compares the two on every face of the installed
     // fonts, the generated ones and the Android set. This path stays for
-    // faces with variations and for that comparison.
+    // that comparison.
     kGlyphs,
   };
 
