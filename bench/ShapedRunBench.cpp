@@ -182,7 +182,7 @@ void harfbuzzSubRuns(benchmark::State& state) {
       const qro_common::FontInfo* info =
           manager.GetFontTable()->ResolveFontInfo(m.fonts[begin], false, false, true);
       hb_blob_t* blob = hb_blob_create_from_file(info->GetFilePath()->c_str());
-      hb_face_t* face = hb_face_create(blob, info->GetFaceIndex());
+      hb_face_t* face = hb_face_create(blob, static_cast<unsigned>(info->GetFreeTypeFaceIndex()));
       hb_font_t* font = hb_font_create(face);  // holds the face, which holds the blob
       const int upem = static_cast<int>(hb_face_get_upem(face));
       hb_font_set_scale(font, upem, upem);

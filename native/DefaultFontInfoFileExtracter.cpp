@@ -116,7 +116,11 @@ bool DefaultFontInfoFileExtracter::Extract(const char* entryName) {
 }
 
 bool DefaultFontInfoFileExtracter::ExtractFontTable() {
-  return Extract(qro_common::getFontInfoTableName());
+  // The named instances of the table's records go with it; a package
+  // without them has none (and the caller has removed any older file).
+  const bool table = Extract(qro_common::getFontInfoTableName());
+  if (table) Extract(qro_common::getFontInstanceTableName());
+  return table;
 }
 
 bool DefaultFontInfoFileExtracter::ExtractFontChain() {

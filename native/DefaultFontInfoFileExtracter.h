@@ -47,6 +47,8 @@ class DefaultFontInfoFileExtracter : public qro_common::FontInfoFileExtracter {
   // Copies the entry entryName to <data directory>"FInfo/"entryName.
   bool Extract(const char* entryName);
 
+  // The table, and with it the named instances of its records when the
+  // package has them.
   bool ExtractFontTable() override;
   bool ExtractFontChain() override;
   bool ExtractDefaultFontsList() override;

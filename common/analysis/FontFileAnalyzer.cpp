@@ -1,6 +1,7 @@
 #include "common/analysis/FontFileAnalyzer.h"
 
 #include FT_ADVANCES_H
+#include FT_MULTIPLE_MASTERS_H
 #include FT_SFNT_NAMES_H
 #include FT_TRUETYPE_IDS_H
 #include FT_TRUETYPE_TAGS_H
@@ -34,6 +35,9 @@ namespace {
 
 constexpr int kEnglishUnitedStates = 1033;
 constexpr unsigned short kUnitsPerEmWithoutHead = 1024;
+// Named instances taken per face: more than fonts have (a few dozen), few
+// enough that a font claiming thousands does not hold up a scan.
+constexpr FT_UInt kMaxNamedInstances = 256;
 constexpr FT_ULong kFirstKerningChar = 32;  // printable ASCII, 32..126
 constexpr int kKerningCharCount = 95;
 
@@ -140,6 +144,7 @@ bool FontFileAnalyzer::Open(const char* path, int faceIndex) {
     return false;
   }
   faceCount_ = static_cast<unsigned char>(face->num_faces);
+  namedInstanceCount_ = (faceIndex >> 16) == 0 ? static_cast<int>(face->style_flags >> 16) : 0;
   const auto* os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
   if (os2 == nullptr) {
     FT_Done_Face(face);
@@ -149,6 +154,40 @@ bool FontFileAnalyzer::Open(const char* path, int faceIndex) {
   os2_ = os2;
   isOpen_ = true;
   return true;
+}
+
+std::vector<int> FontFileAnalyzer::ListNamedInstances(const char* path, int face) {
+  std::vector<int> plain;
+  if (!libraryReady_ || path == nullptr || face < 0 || face > 0xFFFF) return plain;
+  FT_Face base = nullptr;
+  if (FontFileStream::OpenFace(library_, path, face, &base) != 0) return plain;
+  FT_MM_Var* axes = nullptr;
+  if ((base->style_flags >> 16) > 0 && FT_HAS_MULTIPLE_MASTERS(base) &&
+      FT_Get_MM_Var(base, &axes) == 0) {
+    std::vector<int> others;
+    const FT_UInt count =
+        std::min<FT_UInt>(axes->num_namedstyles, static_cast<FT_UInt>(base->style_flags >> 16));
+    for (FT_UInt i = 0; i < count && i < kMaxNamedInstances; ++i) {
+      const FT_Fixed* coords = axes->namedstyle[i].coords;
+      bool atDefault = true;
+      for (FT_UInt a = 0; a < axes->num_axis; ++a) {
+        atDefault = atDefault && coords[a] == axes->axis[a].def;
+      }
+      if (atDefault) continue;
+      const int instance = static_cast<int>(i) + 1;
+      FT_Face named = nullptr;
+      if (FontFileStream::OpenFace(library_, path, instance << 16 | face, &named) != 0) continue;
+      const std::string style = named->style_name != nullptr ? named->style_name : "";
+      FT_Done_Face(named);
+      const bool isPlain =
+          style == "Regular" || style == "Bold" || style == "Italic" || style == "Bold Italic";
+      (isPlain ? plain : others).push_back(instance);
+    }
+    plain.insert(plain.end(), others.begin(), others.end());
+    FT_Done_MM_Var(library_, axes);
+  }
+  FT_Done_Face(base);
+  return plain;
 }
 
 void FontFileAnalyzer::Close() {
@@ -306,12 +345,14 @@ bool FontFileAnalyzer::Classify(FT_ULong code) {
 
 bool FontFileAnalyzer::PrepareMetricsAdvances() {
   metricsAdvances_.clear();
-  if (advanceSource_ != AdvanceSource::kMetrics || FT_HAS_MULTIPLE_MASTERS(face_) ||
-      face_->num_glyphs <= 0) {
-    return false;
-  }
+  if (advanceSource_ != AdvanceSource::kMetrics || face_->num_glyphs <= 0) return false;
   metricsAdvances_.resize(static_cast<std::size_t>(face_->num_glyphs));
-  if (!LoadedAdvances::ReadMetrics(face_, metricsAdvances_) &&
+  // The table's advances are those of the default instance: a face with
+  // variations has FreeType vary them. FreeType reads the HVAR table at the
+  // first glyph's metrics and, until it has, loads every glyph for them.
+  const bool variable = FT_HAS_MULTIPLE_MASTERS(face_);
+  if (variable) FT_Load_Glyph(face_, 0, FT_LOAD_NO_SCALE);
+  if ((variable || !LoadedAdvances::ReadMetrics(face_, metricsAdvances_)) &&
       FT_Get_Advances(face_, 0, static_cast<FT_UInt>(face_->num_glyphs), FT_LOAD_NO_SCALE,
                       metricsAdvances_.data()) != 0) {
     metricsAdvances_.clear();
@@ -460,7 +501,10 @@ void FontFileAnalyzer::AnalyzeKerningInfo(FontInfo& info) {
 KerningInfo* FontFileAnalyzer::ReadKerningOnFirstUse(const FontInfo& info) {
   const std::string* path = info.GetFilePath();
   FontFileAnalyzer analyzer;
-  if (path == nullptr || !analyzer.Open(path->c_str(), info.GetFaceIndex())) return nullptr;
+  if (path == nullptr ||
+      !analyzer.Open(path->c_str(), static_cast<int>(info.GetFreeTypeFaceIndex()))) {
+    return nullptr;
+  }
   return analyzer.ReadKerning().release();
 }
 

@@ -43,15 +43,16 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
     // to what loading gives by LoadedAdvances: a TrueType composite that
     // takes its component's metrics advances by that component, a glyph
     // whose data would not load has no advance, and a glyph whose data it
-    // cannot vouch for is loaded after all. A face with variations
-    // (multiple masters) loads every glyph, since its glyphs' advances may
-    // be adjusted on loading.
+    // cannot vouch for is loaded after all. A face with variations has its
+    // metrics read by FT_Get_Advances, not from the table: FreeType varies
+    // them as loading does (by the HVAR table, or by loading each glyph
+    // when there is none).
     kMetrics,
     // Every glyph loaded with FT_Load_Glyph(FT_LOAD_NO_SCALE); a glyph that
     // does not load drops its characters. This is the rule the metrics
     // above follow; a test compares the two on every face of the installed
     // fonts, the generated ones and the Android set. This path stays for
-    // faces with variations and for that comparison.
+    // that comparison.
     kGlyphs,
   };
 
@@ -61,9 +62,10 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   // Releases an open face, then the library.
   virtual ~FontFileAnalyzer();
 
-  // Opens face `faceIndex` of the file at `path`. False when the library
-  // is not ready, FreeType cannot open the face, the face has no OS/2 table
-  // or the index is negative. An open face is closed first.
+  // Opens face `faceIndex` of the file at `path` (FreeType's face index: a
+  // named instance of a variable face in the upper 16 bits). False when
+  // the library is not ready, FreeType cannot open the face, the face has
+  // no OS/2 table or the index is negative. An open face is closed first.
   bool Open(const char* path, int faceIndex);
   // Releases the open face; nothing when none is open.
   void Close();
@@ -134,6 +136,17 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   bool IsOpen() const { return isOpen_; }
   // Number of faces in the opened file, as FreeType reports it, in 8 bits.
   unsigned char GetFaceCount() const { return faceCount_; }
+  // Number of named instances of the face last opened without one (0 for
+  // a face that is not variable, and after opening a named instance).
+  int GetNamedInstanceCount() const { return namedInstanceCount_; }
+  // The named instances of face `face` of the file at `path` that become
+  // faces of their own, in the order they are registered: all of them
+  // but one at the default coordinates (the face itself is that one),
+  // those styled exactly "Regular", "Bold", "Italic" or "Bold Italic"
+  // first, so that the first-come slots of a font go to them, then the
+  // others in the font's order; of the first 256 named instances. Empty
+  // for a face that is not variable.
+  std::vector<int> ListNamedInstances(const char* path, int face);
   // Size of the file given to the last Open() (0 when unreadable).
   int GetFileSize() const { return fileSize_; }
   // Second choice for the font name after 1033 (English, United States).
@@ -179,6 +192,7 @@ class FontFileAnalyzer : public qro_base::NonCopyable {
   const TT_OS2* os2_ = nullptr;
   unsigned short preferredLanguage_ = 1033;
   unsigned char faceCount_ = 0;
+  int namedInstanceCount_ = 0;
   int fileSize_ = 0;
   bool libraryReady_ = false;
   bool isOpen_ = false;

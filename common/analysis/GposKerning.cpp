@@ -337,6 +337,10 @@ int registerGposKerning(FT_Face face, unsigned first, int count, KerningInfo& ke
     return 0;
   }
   HbPtr<hb_font_t> font(hb_font_create(hbFace.get()));
+  // A named instance of a variable face is kerned at its own coordinates.
+  if (const auto instance = static_cast<unsigned>(face->face_index >> 16)) {
+    hb_font_set_var_named_instance(font.get(), instance - 1);
+  }
   const int upem = static_cast<int>(hb_face_get_upem(hbFace.get()));
   hb_font_set_scale(font.get(), upem, upem);
 

@@ -95,6 +95,16 @@ class FontInfo : public qro_base::NonCopyable {
   // Index of the face inside a collection file.
   unsigned char GetFaceIndex() const { return faceIndex_; }
   void SetFaceIndex(unsigned char index) { faceIndex_ = index; }
+  // Named instance of a variable face (1 and up, as FreeType counts them);
+  // 0 for the face as the file gives it (its default instance). Stored
+  // beside the table, not in it.
+  unsigned short GetNamedInstance() const { return namedInstance_; }
+  void SetNamedInstance(unsigned short instance) { namedInstance_ = instance; }
+  // The face index to open the face with: the named instance in the upper
+  // 16 bits, the face in the lower.
+  long GetFreeTypeFaceIndex() const {
+    return static_cast<long>(namedInstance_) << 16 | static_cast<long>(faceIndex_);
+  }
   // Marks of a directory scan; not stored in the cache.
   unsigned char GetScanState() const { return scanState_; }
   void SetScanState(unsigned char state) { scanState_ = state; }
@@ -126,6 +136,7 @@ class FontInfo : public qro_base::NonCopyable {
   int fileSize_ = 0;
   unsigned short weight_ = 400;
   unsigned char faceIndex_ = 0;
+  unsigned short namedInstance_ = 0;
   unsigned char scanState_ = 0;
   unsigned char pitch_ = 0;
   bool persisted_ = false;

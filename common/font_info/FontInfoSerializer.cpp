@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <map>
 
 #include "base/AtomicFileOutputStream.h"
 #include "base/ByteOrder.h"
@@ -150,6 +151,10 @@ std::string FontInfoSerializer::GetTablePath() const {
 
 std::string FontInfoSerializer::GetDefaultFontInfoPath() const {
   return basePath_ + getFontInfoStorageName() + getDefaultFontInfoFileName();
+}
+
+std::string FontInfoSerializer::GetInstanceTablePath() const {
+  return basePath_ + getFontInfoStorageName() + getFontInstanceTableName();
 }
 
 void FontInfoSerializer::SetDefaultFontIndexes(const std::vector<int>& indexes) {
@@ -319,8 +324,10 @@ bool FontInfoSerializer::IsModified(std::vector<const std::string*>& directories
 bool FontInfoSerializer::Read(std::vector<FontInfo*>& list) {
   qro_base::FileInputStream in(GetTablePath());
   if (!in.IsOpen()) return false;
+  const std::size_t first = list.size();
   bool result = MakeFontInfoList(in, list);
   in.Close();
+  if (result) ReadInstances(list, first, recordCount_);
   return result;
 }
 
@@ -341,7 +348,9 @@ bool FontInfoSerializer::MakeFontInfoList(qro_base::FileInputStream& in,
   std::string section(begin, sectionEnd);
   ReadDefaultFontIndex(section);
   const std::size_t before = list.size();
+  recordCount_ = 0;
   while (readSection(cursor, end, begin, sectionEnd)) {
+    ++recordCount_;
     section.assign(begin, sectionEnd);
     std::unique_ptr<FontInfo> info(new FontInfo());
     if (Read(*info, section)) list.push_back(info.release());
@@ -648,6 +657,7 @@ bool FontInfoSerializer::Write(std::vector<FontInfo*>& list,
   // The commit point of a scan: one sync of the file system puts the data
   // files and the default-font map written before (unsynced) on disk
   // together with the new table, before the table is renamed into place.
+  if (!WriteInstances(list)) return false;
   qro_base::AtomicFileOutputStream out(GetTablePath(),
                                        qro_base::AtomicFileOutputStream::Durability::kFileSystem);
   bool ok = WriteTableVersion(out) && WriteFontDirectoryLastModifiedTimeList(directories, out) &&
@@ -661,6 +671,67 @@ bool FontInfoSerializer::Write(std::vector<FontInfo*>& list,
          out.Write(body.data(), static_cast<unsigned>(body.size()));
   }
   return out.Commit() && ok;  // a failed write fails the commit
+}
+
+bool FontInfoSerializer::WriteInstances(const std::vector<FontInfo*>& list) {
+  std::string lines;
+  int records = 0;
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    if (list[i] == nullptr) continue;
+    ++records;
+    if (list[i]->GetNamedInstance() == 0) continue;
+    lines += std::to_string(i % 65536) + " " + std::to_string(list[i]->GetFaceIndex()) + " " +
+             std::to_string(list[i]->GetNamedInstance()) + "\n";
+  }
+  const std::string path = GetInstanceTablePath();
+  if (lines.empty()) {
+    // A file left from an earlier table must not be read with this one.
+    return std::remove(path.c_str()) == 0 || !qro_base::isFileExists(path.c_str());
+  }
+  lines.insert(0, "vi 1 " + std::to_string(records) + "\n");
+  qro_base::AtomicFileOutputStream out(path,
+                                       qro_base::AtomicFileOutputStream::Durability::kDeferred);
+  const bool written = out.Write(lines.data(), static_cast<unsigned>(lines.size()));
+  return out.Commit() && written;
+}
+
+void FontInfoSerializer::ReadInstances(std::vector<FontInfo*>& list, std::size_t first,
+                                       int recordCount) {
+  std::vector<char> bytes;
+  if (!readWholeFile(GetInstanceTablePath(), bytes)) return;
+  // Every number is a run of digits followed by the expected separator.
+  std::size_t at = 0;
+  auto number = [&](char separator, long& value) {
+    const std::size_t start = at;
+    value = 0;
+    while (at < bytes.size() && at - start < 9 && bytes[at] >= '0' && bytes[at] <= '9') {
+      value = value * 10 + (bytes[at++] - '0');
+    }
+    return at > start && at < bytes.size() && bytes[at++] == separator;
+  };
+  static constexpr char kHead[] = "vi 1 ";
+  long count = 0;
+  if (bytes.size() < sizeof kHead - 1 || std::memcmp(bytes.data(), kHead, sizeof kHead - 1) != 0)
+    return;
+  at = sizeof kHead - 1;
+  if (!number('\n', count) || count != recordCount) return;
+  std::map<long, std::pair<long, long>> instances;  // record -> face, instance
+  long last = -1;
+  while (at < bytes.size()) {
+    long record = 0, face = 0, instance = 0;
+    if (!number(' ', record) || !number(' ', face) || !number('\n', instance) || record <= last ||
+        instance == 0 || instance > 0xFFFF) {
+      return;
+    }
+    last = record;
+    instances[record] = {face, instance};
+  }
+  for (std::size_t i = first; i < list.size(); ++i) {
+    auto found = instances.find(list[i]->GetInfoIndex());
+    if (found != instances.end() && found->second.first == list[i]->GetFaceIndex()) {
+      list[i]->SetNamedInstance(static_cast<unsigned short>(found->second.second));
+    }
+  }
 }
 
 // --- Data files ---

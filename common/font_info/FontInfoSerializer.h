@@ -20,6 +20,8 @@ namespace qro_common {
 //   B + "FInfo/Fdata/N"   binary data of the info with info index N: its
 //                         CharMetricsInfo, then its KerningInfo
 //   B + "FInfo/fi"        binary DefaultFontInfo
+//   B + "FInfo/vi"        text: the named instance of each record that is
+//                         a named instance of a variable face (below)
 //
 // Every file is replaced as a whole (written beside the old one, synced,
 // renamed over it): after a kill or a power loss a reader finds either the
@@ -30,6 +32,20 @@ namespace qro_common {
 // 32-bit values printed signed. A section is a Size4 length and that many
 // bytes. Readers check every length against what is left and never read
 // outside their buffer; damaged data files are rejected as a whole.
+//
+// "vi" is written with the table, before it (the table's sync commits
+// both), and only when a record has a named instance; the table stays as
+// it was for readers that know nothing of instances. ASCII lines, numbers
+// decimal, fields separated by one space, each line ending in a line feed:
+//
+//   vi 1 <number of records in the table>
+//   <record number> <face index> <named instance>     one line a record
+//                                                      with an instance,
+//                                                      ascending
+//
+// A file that is missing, does not parse as a whole, or does not go with
+// the table read (another record count, a record of another face index)
+// gives no instance at all.
 class FontInfoSerializer : public qro_base::NonCopyable {
  public:
   // Files larger than this are taken as damage and not read.
@@ -64,8 +80,8 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   bool IsModified(std::vector<const std::string*>& directories) const;
 
   // Reads every record of the table into new infos appended to `list` (the
-  // caller owns them). False for a missing or empty table, a version
-  // mismatch, or when no record was read.
+  // caller owns them), with their named instances from "vi". False for a
+  // missing or empty table, a version mismatch, or when no record was read.
   bool Read(std::vector<FontInfo*>& list);
   // The same from an open table stream.
   bool MakeFontInfoList(qro_base::FileInputStream& in, std::vector<FontInfo*>& list);
@@ -168,9 +184,10 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   // Directory times read so far, in file order.
   const std::vector<std::string>& GetFontDirectoryTimes() const { return directoryTimes_; }
   const std::string& GetBasePath() const { return basePath_; }
-  // B + "FInfo/Ftable" and B + "FInfo/fi".
+  // B + "FInfo/Ftable", B + "FInfo/fi" and B + "FInfo/vi".
   std::string GetTablePath() const;
   std::string GetDefaultFontInfoPath() const;
+  std::string GetInstanceTablePath() const;
 
  private:
   // Formats the modification time of `directory` into the time buffer;
@@ -184,6 +201,12 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   bool ReadNumberField(const char*& cursor, const char* end, int digits, int& value);
   // Appends a Size2-length field holding `text`.
   void AppendField2(std::string& out, const std::string& text);
+  // Writes "vi" for the records of `list` (removes it when none has a named
+  // instance); false when it could not be written.
+  bool WriteInstances(const std::vector<FontInfo*>& list);
+  // Gives the infos of `list` from `first` on their named instances from
+  // "vi", for a table of `recordCount` records.
+  void ReadInstances(std::vector<FontInfo*>& list, std::size_t first, int recordCount);
 
   bool tableExists_ = false;
   bool versionMatched_ = true;
@@ -193,6 +216,8 @@ class FontInfoSerializer : public qro_base::NonCopyable {
   std::string basePath_;
   std::vector<std::string> directoryTimes_;
   std::string scratch_;
+  // Record sections in the table last read by MakeFontInfoList().
+  int recordCount_ = 0;
 };
 
 }  // namespace qro_common

@@ -125,6 +125,7 @@ void FontManager::RemoveAllFiles() {
   std::string storage = storagePath_ + getFontInfoStorageName();
   if (!qro_base::isFileExists(storage.c_str())) return;
   std::remove((storage + getFontInfoTableName()).c_str());
+  std::remove((storage + getFontInstanceTableName()).c_str());
   std::remove((storage + getDefaultFontInfoFileName()).c_str());
   std::remove((storage + getExtraDefaultFontsFileName()).c_str());
 

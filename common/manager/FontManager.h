@@ -132,8 +132,9 @@ class FontManager : public qro_base::NonCopyable {
   // faces taken.
   void UpdateFontInfo(FontFileAnalyzer& analyzer, FontInfoSerializer& serializer,
                       const char* directory, int directoryIndex, int& count);
-  // Takes one face of one file into the table; false when the analyzer
-  // cannot open it.
+  // Takes one face of one file into the table (`faceIndex` as FreeType
+  // takes it: a named instance in the upper 16 bits); false when the
+  // analyzer cannot open it.
   bool UpdateFontInfo(FontFileAnalyzer& analyzer, FontInfoSerializer& serializer,
                       const char* fileName, int faceIndex);
 

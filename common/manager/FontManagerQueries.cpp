@@ -68,7 +68,7 @@ void FontManager::ReadFontInfoData(FontInfo& info, int /*fontIndex*/) {
     if (const std::string* path = info.GetFilePath()) {
       FontFileAnalyzer analyzer;
       analyzer.SetGposKerningTime(FontFileAnalyzer::GposKerningTime::kOnFirstUse);
-      if (analyzer.Open(path->c_str(), info.GetFaceIndex())) {
+      if (analyzer.Open(path->c_str(), static_cast<int>(info.GetFreeTypeFaceIndex()))) {
         analyzer.AnalyzeData(info);
         serializer.WriteData(info);
         analyzer.Close();

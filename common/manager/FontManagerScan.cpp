@@ -88,11 +88,22 @@ void FontManager::UpdateFontInfo(FontFileAnalyzer& analyzer, FontInfoSerializer&
     struct stat status;
     if (lstat(path.c_str(), &status) != 0 || (status.st_mode & kRegularFileBit) == 0) continue;
     if (!isFontFile(name)) continue;
+    // Each named instance of a variable face is a face of its own, taken
+    // right after the face itself.
+    auto updateNamedInstances = [&](int face) {
+      if (analyzer.GetNamedInstanceCount() == 0) return;
+      for (int instance : analyzer.ListNamedInstances(path.c_str(), face)) {
+        if (UpdateFontInfo(analyzer, serializer, path.c_str(), instance << 16 | face)) ++count;
+      }
+    };
     if (!UpdateFontInfo(analyzer, serializer, path.c_str(), 0)) continue;
     ++count;
     int faces = analyzer.GetFaceCount();
+    updateNamedInstances(0);
     for (int face = 1; face < faces; ++face) {
-      if (UpdateFontInfo(analyzer, serializer, path.c_str(), face)) ++count;
+      if (!UpdateFontInfo(analyzer, serializer, path.c_str(), face)) continue;
+      ++count;
+      updateNamedInstances(face);
     }
   }
   std::free(entries);
@@ -110,13 +121,18 @@ bool FontManager::UpdateFontInfo(FontFileAnalyzer& analyzer, FontInfoSerializer&
     analyzer.Close();
     return true;
   }
-  auto face = static_cast<unsigned char>(faceIndex);
-  record->SetFaceIndex(face);  // the look-up of ExtraBold faces compares it
+  // FreeType's face index: the named instance above the face.
+  auto face = static_cast<unsigned char>(faceIndex & 0xFFFF);
+  auto instance = static_cast<unsigned short>(faceIndex >> 16);
+  // The look-ups of ExtraBold faces and named instances compare them.
+  record->SetFaceIndex(face);
+  record->SetNamedInstance(instance);
 
   if (FontInfo* existing = fontTable_->FindFontInfo(*record)) {
     existing->SetScanState(2);
     existing->SetFilePath(new std::string(fileName));
     existing->SetFaceIndex(face);
+    existing->SetNamedInstance(instance);
     if (record->GetFontMetrics() != nullptr) {
       existing->SetFontMetrics(new FontMetrics(*record->GetFontMetrics()));
     }

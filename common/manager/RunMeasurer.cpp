@@ -351,7 +351,8 @@ bool RunMeasurer::Shape(int fontIndex, bool bold, bool italic, const char16_t* t
   if (length > INT_MAX) return false;
   const FontInfo* info = manager_.GetFontTable()->ResolveFontInfo(begin->font, bold, italic, true);
   if (info == nullptr || info->GetFilePath() == nullptr) return false;
-  hb_font_t* font = fonts_->Get(*info->GetFilePath(), info->GetFaceIndex());
+  hb_font_t* font =
+      fonts_->Get(*info->GetFilePath(), static_cast<unsigned>(info->GetFreeTypeFaceIndex()));
   if (font == nullptr) return false;
   int upem = 0;
   hb_font_get_scale(font, &upem, nullptr);

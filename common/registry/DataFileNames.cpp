@@ -6,6 +6,7 @@ namespace qro_common {
 
 const char* getFontInfoVersion() { return "Table Version 2.054"; }
 const char* getFontInfoTableName() { return "Ftable"; }
+const char* getFontInstanceTableName() { return "vi"; }
 const char* getFontInfoDataDirectoryName() { return "Fdata/"; }
 const char* getFontInfoStorageName() { return "FInfo/"; }
 const char* getAssetFontStorageName() { return "AFonts/"; }

@@ -11,6 +11,9 @@ namespace qro_common {
 const char* getFontInfoVersion();
 // The font information table file, also its entry in the package.
 const char* getFontInfoTableName();
+// The named instances of the table's records, beside the table; also its
+// entry in the package.
+const char* getFontInstanceTableName();
 // Folder of the per-face data files (followed by the info index).
 const char* getFontInfoDataDirectoryName();
 // Folder under the data directory holding all extracted and cache files.

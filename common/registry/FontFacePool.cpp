@@ -27,8 +27,8 @@ FT_Face FontFacePool::GetFontFace(const FontInfo& info) {
     faces_.erase(lowest);
   }
   FT_Face face = nullptr;
-  if (FontFileStream::OpenFace(library_, info.GetFilePath()->c_str(), info.GetFaceIndex(), &face) !=
-      0) {
+  if (FontFileStream::OpenFace(library_, info.GetFilePath()->c_str(), info.GetFreeTypeFaceIndex(),
+                               &face) != 0) {
     return nullptr;
   }
   faces_.emplace(key, face);

@@ -117,10 +117,48 @@ const std::string* FontTable::GetFontFilePath(const std::string& name, bool bold
 
 FontInfo* FontTable::FindFontInfo(FontInfo& info) const {
   if (info.GetFontName() == nullptr) return nullptr;
+  if (info.GetNamedInstance() != 0) return FindSameFace(info);
   const std::string* style = info.GetStyleName();
-  if (style != nullptr && containsExtraBold(*style)) return FindExtraBoldFontInfo(info);
-  const StyledFontInfoList* list = GetStyledFontInfoList(FindFont(*info.GetFontName()));
-  return list == nullptr ? nullptr : list->FindFontInfo(info);
+  FontInfo* found = nullptr;
+  if (style != nullptr && containsExtraBold(*style)) {
+    found = FindExtraBoldFontInfo(info);
+  } else {
+    const StyledFontInfoList* list = GetStyledFontInfoList(FindFont(*info.GetFontName()));
+    found = list == nullptr ? nullptr : list->FindFontInfo(info);
+  }
+  return found != nullptr && found->GetNamedInstance() != 0 ? FindSameFace(info) : found;
+}
+
+FontInfo* FontTable::FindSameFace(const FontInfo& info) const {
+  const std::string* path = info.GetFilePath();
+  for (FontInfo* candidate : infos_) {
+    const std::string* candidatePath = candidate->GetFilePath();
+    if (candidatePath != nullptr && path != nullptr && *candidatePath == *path &&
+        candidate->GetFaceIndex() == info.GetFaceIndex() &&
+        candidate->GetNamedInstance() == info.GetNamedInstance()) {
+      return candidate;
+    }
+  }
+  // Registered, an ExtraBold face has its own font name and the style
+  // "Regular".
+  const std::string* style = info.GetStyleName();
+  const bool extraBold = style != nullptr && containsExtraBold(*style);
+  const std::string name = *info.GetFontName() + (extraBold ? std::string(" ") + kExtraBold : "");
+  const std::string* wantedStyle = style;
+  const std::string regular = "Regular";
+  if (extraBold) wantedStyle = &regular;
+  for (FontInfo* candidate : infos_) {
+    const std::string* candidateStyle = candidate->GetStyleName();
+    if (candidate->GetFilePath() == nullptr && candidate->GetScanState() != 2 &&
+        candidate->GetFaceIndex() == info.GetFaceIndex() &&
+        candidate->GetNamedInstance() == info.GetNamedInstance() &&
+        candidate->GetFontName() != nullptr && *candidate->GetFontName() == name &&
+        (candidateStyle == nullptr) == (wantedStyle == nullptr) &&
+        (wantedStyle == nullptr || *candidateStyle == *wantedStyle)) {
+      return candidate;
+    }
+  }
+  return nullptr;
 }
 
 // An ExtraBold face is registered as its own font, "<name> ExtraBold", in
@@ -135,7 +173,8 @@ FontInfo* FontTable::FindExtraBoldFontInfo(const FontInfo& info) const {
     const std::string* path = candidate->GetFilePath();
     if (candidateName != nullptr && *candidateName == name && path != nullptr &&
         info.GetFilePath() != nullptr && *path == *info.GetFilePath() &&
-        candidate->GetFaceIndex() == info.GetFaceIndex()) {
+        candidate->GetFaceIndex() == info.GetFaceIndex() &&
+        candidate->GetNamedInstance() == info.GetNamedInstance()) {
       return candidate;
     }
   }

@@ -82,7 +82,9 @@ class FontTable : public qro_base::NonCopyable {
   const std::string* GetFontFilePath(const std::string& name, bool bold, bool italic) const;
   // The face registered for `info`'s font name in the slot of `info`'s
   // style; null when the font or its list is unknown. An ExtraBold face is
-  // looked for where RegisterFontInfo puts it.
+  // looked for where RegisterFontInfo puts it. A named instance of a
+  // variable face is only ever its own record (see FindNamedInstance), and
+  // a slot held by one is not taken for a face of another file.
   FontInfo* FindFontInfo(FontInfo& info) const;
 
   // --- Registration ---
@@ -133,6 +135,11 @@ class FontTable : public qro_base::NonCopyable {
   // The font index of an existing font of this name, or -1.
   int FindFont(const std::string& name) const;
   FontInfo* FindExtraBoldFontInfo(const FontInfo& info) const;
+  // The record of the same file, face and named instance as `info`; else
+  // one that has lost its file (a packaged record, or a font file that went
+  // away) and has the same names, face and instance, unless this scan has
+  // claimed it already.
+  FontInfo* FindSameFace(const FontInfo& info) const;
   // The font of this name, added when missing.
   int FindOrAddFont(const std::string& name, bool* added);
   StyledFontInfoList* StyledListFor(int fontIndex);

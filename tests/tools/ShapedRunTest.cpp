@@ -147,7 +147,7 @@ class ShapedRun : public ::testing::Test {
       EXPECT_TRUE(info != nullptr && info->GetFilePath() != nullptr) << what;
       if (info == nullptr || info->GetFilePath() == nullptr) return 0;
       hb_blob_t* blob = hb_blob_create_from_file(info->GetFilePath()->c_str());
-      hb_face_t* face = hb_face_create(blob, info->GetFaceIndex());
+      hb_face_t* face = hb_face_create(blob, static_cast<unsigned>(info->GetFreeTypeFaceIndex()));
       hb_font_t* font = hb_font_create(face);
       const int upem = static_cast<int>(hb_face_get_upem(face));
       hb_font_set_scale(font, upem, upem);

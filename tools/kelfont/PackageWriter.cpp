@@ -150,12 +150,28 @@ bool PackageWriter::AnalyzeFile(qro_common::FontFileAnalyzer& analyzer, const st
   const int faces = analyzer.GetFaceCount();
   expected += faces > 1 ? faces - 1 : 0;
   if (progress_) progress_(++facesDone_, expected, name);
+  // The named instances of a variable face, after the face, as the font
+  // manager's scan takes them.
+  auto namedInstances = [&](int face) {
+    if (analyzer.GetNamedInstanceCount() == 0) return true;
+    for (int instance : analyzer.ListNamedInstances(path.c_str(), face)) {
+      if (!AnalyzeFace(analyzer, path, instance << 16 | face)) {
+        if (dataFailed_) return false;
+        warnings_.push_back("skipped named instance " + std::to_string(instance) + " of face " +
+                            std::to_string(face) + " of " + path);
+      }
+    }
+    return true;
+  };
+  if (!namedInstances(0)) return false;
   for (int face = 1; face < faces; ++face) {
-    if (!AnalyzeFace(analyzer, path, face)) {
+    const bool opened = AnalyzeFace(analyzer, path, face);
+    if (!opened) {
       if (dataFailed_) return false;
       warnings_.push_back("skipped face " + std::to_string(face) + " of " + path);
     }
     if (progress_) progress_(++facesDone_, expected, name);
+    if (opened && !namedInstances(face)) return false;
   }
   return true;
 }
@@ -168,6 +184,12 @@ bool PackageWriter::AnalyzeFace(qro_common::FontFileAnalyzer& analyzer, const st
     analyzer.Close();
     return true;
   }
+  // FreeType's face index: a named instance above the face.
+  const auto faceIndex = static_cast<unsigned char>(face & 0xFFFF);
+  const auto instance = static_cast<unsigned short>(face >> 16);
+  info->SetFilePath(new std::string(path));
+  info->SetFaceIndex(faceIndex);
+  info->SetNamedInstance(instance);
   qro_common::FontInfo* existing = table_.FindFontInfo(*info);
   bool ok = true;
   if (existing != nullptr) {
@@ -175,7 +197,8 @@ bool PackageWriter::AnalyzeFace(qro_common::FontFileAnalyzer& analyzer, const st
     // file's global records, and new advances only when the size differs.
     existing->SetScanState(2);
     existing->SetFilePath(new std::string(path));
-    existing->SetFaceIndex(static_cast<unsigned char>(face));
+    existing->SetFaceIndex(faceIndex);
+    existing->SetNamedInstance(instance);
     if (info->GetFontMetrics() != nullptr) {
       existing->SetFontMetrics(new qro_common::FontMetrics(*info->GetFontMetrics()));
     }
@@ -191,8 +214,6 @@ bool PackageWriter::AnalyzeFace(qro_common::FontFileAnalyzer& analyzer, const st
     delete info;
   } else {
     info->SetScanState(2);
-    info->SetFaceIndex(static_cast<unsigned char>(face));
-    info->SetFilePath(new std::string(path));
     if (table_.RegisterFontInfo(info, true) < 0) {
       // No font name: the table did not take it.
       delete info;
@@ -239,6 +260,10 @@ std::vector<std::string> PackageWriter::GetUnknownListNames() const {
 std::vector<std::string> PackageWriter::GetEntryNames() const {
   std::vector<std::string> names{qro_common::getFontInfoTableName()};
   if (serializer_) {
+    struct stat st;
+    if (stat(serializer_->GetInstanceTablePath().c_str(), &st) == 0) {
+      names.push_back(qro_common::getFontInstanceTableName());
+    }
     for (int i = 0; i < table_.GetFontInfoCount(); ++i) {
       std::string path;
       serializer_->MakeFontInfoDataFilePath(*table_.GetFontInfo(i), path);

@@ -78,7 +78,8 @@ class PackageWriter {
   bool EnsureStaging();
   bool AnalyzeFile(qro_common::FontFileAnalyzer& analyzer, const std::string& path,
                    std::size_t& expected);
-  // One face, as the scan does it; false when the face cannot be opened.
+  // One face, as the scan does it (`face` as FreeType takes it: a named
+  // instance in the upper 16 bits); false when the face cannot be opened.
   bool AnalyzeFace(qro_common::FontFileAnalyzer& analyzer, const std::string& path, int face);
   bool StoreData(qro_common::FontInfo& info);
   bool Fail(const std::string& message);

@@ -113,7 +113,7 @@ bool drawShaped(ToolFontManager& manager, const TextMeasure& measure, float marg
                           ? nullptr
                           : hb_blob_create_from_file_or_fail(info->GetFilePath()->c_str());
     if (blob == nullptr) return false;
-    hb_face_t* face = hb_face_create(blob, info->GetFaceIndex());
+    hb_face_t* face = hb_face_create(blob, static_cast<unsigned>(info->GetFreeTypeFaceIndex()));
     hb_font_t* hbFont = hb_font_create(face);
     hb_font_set_scale(hbFont, static_cast<int>(kUnits), static_cast<int>(kUnits));
     hb_buffer_t* buffer = hb_buffer_create();
