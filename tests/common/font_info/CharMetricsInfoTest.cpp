@@ -1,154 +1,129 @@
+// A face's advance table driven by the steps of tests/data/advance_tables.tsv.
+#include "common/font_info/CharMetricsInfo.h"
+
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
-#include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/MultiCharMetricsRange.h"
 #include "common/font_info/SingleCharMetricsRange.h"
 #include "common/font_info/ZippedCharMetricsRange.h"
 #include "tests/common/font_info/ByteSink.h"
 #include "tests/common/font_info/TableBuilders.h"
+#include "tests/support/Cases.h"
 
 namespace {
 
-using font_info_test::addAdvance;
+using namespace qro_common;
 using font_info_test::ByteSink;
-using font_info_test::hex;
-using font_info_test::source;
-using font_info_test::zeros;
-using qro_common::CharMetrics;
-using qro_common::CharMetricsInfo;
-using qro_common::CharMetricsRange;
-using qro_common::MultiCharMetricsRange;
-using qro_common::SingleCharMetricsRange;
-using qro_common::ZippedCharMetricsRange;
 
-// What a hostile file can do: ranges in the surrogate and reserved slots, a
-// CJK range in the Basic Latin slot, a multi range in a single-range slot, a
-// zipped range elsewhere.
-TEST(CharMetricsInfo, RangesInTheWrongSlotAnswerNothing) {
-  CharMetricsInfo info;
-  auto* surrogates = new SingleCharMetricsRange(0xD800, 0xDFFF);
-  surrogates->SetAdvance(0xD800, 1);
-  info.SetCharMetricsRange(57, surrogates);
-  EXPECT_FALSE(addAdvance(info, 0xDC00, 1));
-  EXPECT_EQ(info.GetCharMetrics(0xD800), nullptr);
-  for (unsigned char bit = 123; bit <= 126; ++bit) {
-    auto* range = new SingleCharMetricsRange(0x1F0A0, 0x1F6FF);
-    range->SetAdvance(0x1F600, 1);
-    info.SetCharMetricsRange(bit, range);
+unsigned hexNumber(const std::string& text) { return static_cast<unsigned>(std::stoul(text, nullptr, 16)); }
+
+std::string hexBytes(const std::string& bytes) {
+  std::string out;
+  char digits[4];
+  for (unsigned char b : bytes) {
+    snprintf(digits, sizeof digits, "%02X", b);
+    out += digits;
   }
-  EXPECT_EQ(info.GetCharMetrics(0x1F600), nullptr);
-  auto* cjk = new SingleCharMetricsRange(0x4E00, 0x4E10);
-  cjk->SetAdvance(0x4E00, 1);
-  info.SetCharMetricsRange(0, cjk);
-  EXPECT_EQ(info.GetCharMetrics(0x41), nullptr);
-  EXPECT_FALSE(info.IsVisibleChar(0x7F));
-  info.SetCharMetricsRange(1, new MultiCharMetricsRange(2));
-  EXPECT_EQ(info.GetCharMetrics(0xE9), nullptr);
-  info.SetCharMetricsRange(
-      2, new ZippedCharMetricsRange(0x3000, 0x303F, new CharMetrics(9), new char[8]()));
-  EXPECT_EQ(info.GetCharMetrics(0x100), nullptr);
-  EXPECT_FALSE(info.IsVisibleChar(0x100));
+  return out;
 }
 
-TEST(CharMetricsInfo, ZipReplacesUniformRangesOnly) {
-  CharMetricsInfo info;
-  addAdvance(info, 0x30, 1000);
-  addAdvance(info, 0x39, 1000);
-  addAdvance(info, 0xE9, 600);    // bit 1: a single entry stays single
-  addAdvance(info, 0x0250, 500);  // bit 4 block 0: uniform
-  addAdvance(info, 0x0251, 500);
-  addAdvance(info, 0x1D00, 1);  // bit 4 block 1: mixed
-  addAdvance(info, 0x1D01, 2);
-  info.ZipCharMetricsRanges();
-  ASSERT_EQ(info.GetCharMetricsRange(0)->GetType(), CharMetricsRange::kZipped);
-  EXPECT_EQ(info.GetCharMetricsRange(1)->GetType(), CharMetricsRange::kSingle);
-  auto* multi = static_cast<MultiCharMetricsRange*>(info.GetCharMetricsRange(4));
-  EXPECT_EQ(multi->GetCharMetricsRange(0)->GetType(), CharMetricsRange::kZipped);
-  EXPECT_EQ(multi->GetCharMetricsRange(1)->GetType(), CharMetricsRange::kSingle);
-  // The shared advance also for unmapped codes, which stay invisible.
-  EXPECT_EQ(info.GetCharMetrics(0x41)->GetAdvance(), 1000);
-  EXPECT_FALSE(info.IsVisibleChar(0x41));
-  EXPECT_TRUE(info.IsVisibleChar(0x39));
-  EXPECT_EQ(info.GetCharMetrics(0x0252)->GetAdvance(), 500);
-  EXPECT_EQ(info.GetCharMetrics(0x1D01)->GetAdvance(), 2);
-  EXPECT_EQ(info.GetCharMetrics(0x1D02), nullptr);
-}
-
-// Golden bytes and damaged bodies: tests/data/byte_formats.tsv.
-TEST(CharMetricsInfo, ReadReplacesWhatWasThere) {
-  CharMetricsInfo info;
-  addAdvance(info, 0x41, 1);
-  EXPECT_THROW(info.GetCharMetricsRange(128), std::out_of_range);
-  std::string bytes = hex("05") + hex("01 80000000 FF000000 0100 4100 0700") + zeros(126);
-  auto in = source(bytes);
-  ASSERT_TRUE(info.Read(in));
-  EXPECT_EQ(info.GetCharMetrics(0x41), nullptr);
-  EXPECT_EQ(in.Available(), 0u);
-}
-
-TEST(CharMetricsInfo, RoundTripOfEveryKind) {
-  CharMetricsInfo info;
-  for (unsigned code = 0x20; code < 0x7F; ++code) {
-    addAdvance(info, code, static_cast<unsigned short>(code));
-  }
-  addAdvance(info, 0x3041, 1000);  // bit 49, will be zipped
-  addAdvance(info, 0x3093, 1000);
-  addAdvance(info, 0xAC00, 920);  // bit 56, multi
-  addAdvance(info, 0xD7B0, 700);
-  addAdvance(info, 0x2F800, 1024);  // bit 61, block 2, outside the BMP
-  addAdvance(info, 0x1F0A0, 1);     // bit 127
-  info.ZipCharMetricsRanges();
-  ByteSink out;
-  ASSERT_TRUE(info.Write(out));
-  auto in = source(out.bytes);
-  CharMetricsInfo copy;
-  ASSERT_TRUE(copy.Read(in));
-  EXPECT_EQ(in.Available(), 0u);
-  // Each kind of slot is looked up by the code's bit and block.
-  const unsigned cases[][2] = {{0x41, 0x41},  {0x7E, 0x7E},    {0x3093, 1000}, {0xAC00, 920},
-                               {0xD7B0, 700}, {0x2F800, 1024}, {0x1F0A0, 1}};
-  for (const auto& c : cases) {
-    ASSERT_NE(copy.GetCharMetrics(c[0]), nullptr) << std::hex << c[0];
-    EXPECT_EQ(copy.GetCharMetrics(c[0])->GetAdvance(), c[1]) << std::hex << c[0];
-    EXPECT_TRUE(copy.IsVisibleChar(c[0])) << std::hex << c[0];
-  }
-  for (unsigned code : {0x7Fu, 0xAC01u, 0x2F801u, 0x0860u, 0xFFFFFFFFu}) {
-    EXPECT_EQ(copy.GetCharMetrics(code), nullptr) << std::hex << code;
-  }
-  // A zipped range: the shared advance for every code, visible or not.
-  EXPECT_EQ(copy.GetCharMetricsRange(49)->GetType(), CharMetricsRange::kZipped);
-  EXPECT_EQ(copy.GetCharMetrics(0x3042)->GetAdvance(), 1000);
-  EXPECT_FALSE(copy.IsVisibleChar(0x3042));
-}
-
-TEST(CharMetricsInfo, EveryTruncationIsDamage) {
-  CharMetricsInfo info;
-  addAdvance(info, 0x41, 1366);
-  addAdvance(info, 0xE9, 500);
-  addAdvance(info, 0xE8, 500);
-  addAdvance(info, 0xAC00, 920);
-  info.ZipCharMetricsRanges();
-  ByteSink out;
-  ASSERT_TRUE(info.Write(out));
-  for (size_t cut = 0; cut < out.bytes.size(); ++cut) {
-    std::string part = out.bytes.substr(0, cut);
-    auto in = source(part);
-    CharMetricsInfo copy;
-    ASSERT_EQ(copy.ReadChecked(in), CharMetricsInfo::ReadResult::kDamaged) << cut;
-    for (unsigned char usb = 0; usb < 128; ++usb) {
-      ASSERT_EQ(copy.GetCharMetricsRange(usb), nullptr);
+std::string step(std::unique_ptr<CharMetricsInfo>& info, const std::string& s) {
+  std::vector<std::string> a;
+  std::istringstream parts(s.substr(1));
+  for (std::string part; std::getline(parts, part, ',');) a.push_back(part);
+  auto slot = [&](size_t i) { return static_cast<unsigned char>(std::stoi(a[i])); };
+  auto type = [](const CharMetricsRange* r) {
+    return !r ? "-" : r->GetType() == CharMetricsRange::kSingle ? "S"
+                    : r->GetType() == CharMetricsRange::kZipped ? "Z" : "M";
+  };
+  if (s.find('=') != std::string::npos && isxdigit(static_cast<unsigned char>(s[0]))) {
+    const size_t dash = s.find('-'), eq = s.find('=');
+    const unsigned first = hexNumber(s), last = dash < eq ? hexNumber(s.substr(dash + 1)) : first;
+    bool added = true;
+    for (unsigned code = first; code <= last; ++code) {
+      const std::string value = s.substr(eq + 1);
+      added &= font_info_test::addAdvance(*info, code,
+                                          static_cast<unsigned short>(value == "*" ? code : std::stoi(value)));
     }
+    return added ? "." : "refused";
   }
+  switch (s[0]) {
+    case '?': {
+      const CharMetrics* m = info->GetCharMetrics(hexNumber(a[0]));
+      return (m ? std::to_string(m->GetAdvance()) : "-") + (info->IsVisibleChar(hexNumber(a[0])) ? "v" : "");
+    }
+    case 't':
+      try {
+        const CharMetricsRange* r = info->GetCharMetricsRange(slot(0));
+        if (a.size() > 1) r = static_cast<const MultiCharMetricsRange*>(r)->GetCharMetricsRange(std::stoi(a[1]));
+        return type(r);
+      } catch (const std::out_of_range&) {
+        return "throw";
+      }
+    case 'z': info->ZipCharMetricsRanges(); return ".";
+    case 'b': {  // the bytes of a slot's range (sub-range)
+      ByteSink out;
+      const CharMetricsRange* r = info->GetCharMetricsRange(slot(0));
+      if (a.size() > 1) r = static_cast<const MultiCharMetricsRange*>(r)->GetCharMetricsRange(std::stoi(a[1]));
+      return r->Write(out) ? hexBytes(out.bytes) : "refused";
+    }
+    case 'w': {  // written and read back into a new table; every cut of the bytes is damage
+      ByteSink out;
+      if (!info->Write(out)) return "refused";
+      for (size_t cut = 0; cut < out.bytes.size(); ++cut) {
+        std::string part = out.bytes.substr(0, cut);
+        auto in = font_info_test::source(part);
+        CharMetricsInfo copy;
+        if (copy.ReadChecked(in) != CharMetricsInfo::ReadResult::kDamaged) return "cut " + std::to_string(cut);
+        for (int usb = 0; usb < 128; ++usb) {
+          if (copy.GetCharMetricsRange(static_cast<unsigned char>(usb))) return "left " + std::to_string(cut);
+        }
+      }
+      auto in = font_info_test::source(out.bytes);
+      info.reset(new CharMetricsInfo());
+      return info->Read(in) && in.Available() == 0 ? "." : "unread";
+    }
+    case 'r': {  // reads these bytes over what the table holds
+      std::string bytes = kelfont_test::unhex(a[0]);
+      auto in = font_info_test::source(bytes);
+      const bool read = info->Read(in);
+      return std::to_string(read) + std::to_string(in.Available());
+    }
+    case 'l': {  // writes into a stream that takes this many bytes
+      ByteSink out(std::stoul(a[0]));
+      return std::to_string(info->Write(out));
+    }
+    case 's': {  // a single range FIRST-LAST with CODE=ADVANCE in a slot
+      auto* range = new SingleCharMetricsRange(static_cast<int>(hexNumber(a[1])), static_cast<int>(hexNumber(a[2])));
+      range->SetAdvance(hexNumber(a[3]), static_cast<unsigned short>(std::stoi(a[4])));
+      info->SetCharMetricsRange(slot(0), range);
+      return ".";
+    }
+    case 'm': info->SetCharMetricsRange(slot(0), new MultiCharMetricsRange(std::stoi(a[1]))); return ".";
+    case 'Z':  // a zipped range FIRST-LAST sharing ADVANCE, no code visible
+      info->SetCharMetricsRange(slot(0), new ZippedCharMetricsRange(
+                                             static_cast<int>(hexNumber(a[1])), static_cast<int>(hexNumber(a[2])),
+                                             new CharMetrics(static_cast<unsigned short>(std::stoi(a[3]))),
+                                             new char[(hexNumber(a[2]) - hexNumber(a[1])) / 8 + 1]()));
+      return ".";
+  }
+  return "unknown step " + s;
 }
 
-TEST(CharMetricsInfo, WriteReportsARefusingStream) {
-  CharMetricsInfo info;
-  addAdvance(info, 0x41, 1);
-  ByteSink out(5);
-  EXPECT_FALSE(info.Write(out));
+TEST(CharMetricsInfo, Steps) {
+  for (const kelfont_test::Case& c : kelfont_test::cases("advance_tables.tsv")) {
+    std::unique_ptr<CharMetricsInfo> info(new CharMetricsInfo());
+    std::istringstream steps(c[0]);
+    std::string said;
+    for (std::string s; steps >> s;) said += (said.empty() ? "" : " ") + step(info, s);
+    EXPECT_EQ(said, c[1]) << c.line;
+  }
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+// Ranges of advances; the table of ranges and the byte forms: tests/data/advance_tables.tsv,
+// tests/data/byte_formats.tsv.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -6,19 +8,15 @@
 
 #include "common/font_info/MultiCharMetricsRange.h"
 #include "common/font_info/SingleCharMetricsRange.h"
-#include "common/font_info/ZippedCharMetricsRange.h"
 #include "tests/common/font_info/ByteSink.h"
 
 namespace {
 
 using font_info_test::ByteSink;
-using font_info_test::hex;
 using font_info_test::source;
 using qro_common::CharMetrics;
-using qro_common::CharMetricsRange;
 using qro_common::MultiCharMetricsRange;
 using qro_common::SingleCharMetricsRange;
-using qro_common::ZippedCharMetricsRange;
 
 TEST(SingleCharMetricsRange, EntriesInsideTheRangeOnly) {
   SingleCharMetricsRange range(0x100, 0x17F);
@@ -47,45 +45,6 @@ TEST(SingleCharMetricsRange, EntriesInsideTheRangeOnly) {
   EXPECT_EQ(SingleCharMetricsRange(0x100000, 0x10FFFD).GetSize(), 65534);  // the largest block
 }
 
-TEST(SingleCharMetricsRange, VisibleBitsAndZipCheck) {
-  SingleCharMetricsRange range(0x30, 0x40);  // 17 codes: 3 bytes
-  EXPECT_EQ(range.CheckZipCharMetrics(), nullptr);
-  range.SetAdvance(0x30, 1000);
-  EXPECT_EQ(range.CheckZipCharMetrics(), nullptr);  // needs two equal advances
-  range.SetAdvance(0x39, 1000);
-  range.SetAdvance(0x3F, 1000);
-  std::unique_ptr<CharMetrics> shared(range.CheckZipCharMetrics());
-  ASSERT_NE(shared, nullptr);
-  EXPECT_EQ(shared->GetAdvance(), 1000);
-  range.SetAdvance(0x40, 999);
-  EXPECT_EQ(range.CheckZipCharMetrics(), nullptr);
-  std::unique_ptr<char[]> bits(range.MakeVisibleCharInfo());
-  EXPECT_EQ(std::string(bits.get(), 3), hex("01 82 01"));
-}
-
-TEST(ZippedCharMetricsRange, GoldenBytesAndTheSharedAdvanceForEveryCode) {
-  SingleCharMetricsRange single(0x80, 0xFF);
-  single.SetAdvance(0xA0, 250);
-  single.SetAdvance(0xFF, 250);
-  ZippedCharMetricsRange range(0x80, 0xFF, single.CheckZipCharMetrics(),
-                               single.MakeVisibleCharInfo());
-  ByteSink out;
-  ASSERT_TRUE(range.Write(out));
-  EXPECT_EQ(out.bytes, hex("03 80000000 FF000000"
-                           "00000000 01000000 00000000 00000080"
-                           "FA00"));
-  std::string body = out.bytes.substr(1);
-  auto in = source(body);
-  ZippedCharMetricsRange copy;
-  ASSERT_TRUE(copy.Read(in));
-  for (unsigned code = 0x80; code <= 0xFF; ++code) {
-    EXPECT_EQ(copy.IsVisibleChar(code), code == 0xA0 || code == 0xFF) << code;
-    EXPECT_EQ(copy.Get(code)->GetAdvance(), 250);
-  }
-  EXPECT_EQ(copy.Get(0x7F), nullptr);
-  EXPECT_FALSE(copy.IsVisibleChar(0x100));
-}
-
 TEST(MultiCharMetricsRange, DelegatesToTheBlockOfTheCode) {
   MultiCharMetricsRange range(1);  // one slot of the three blocks of bit 56
   auto* jamo = new SingleCharMetricsRange(0xA960, 0xA97C);
@@ -101,33 +60,6 @@ TEST(MultiCharMetricsRange, DelegatesToTheBlockOfTheCode) {
   range.SetCharMetricsRange(7, new SingleCharMetricsRange(0, 1));  // no such slot
   EXPECT_EQ(range.GetCharMetricsRange(7), nullptr);
   EXPECT_EQ(range.GetCharMetricsRange(-1), nullptr);
-}
-
-TEST(MultiCharMetricsRange, RoundTripWithSingleAndZippedBlocks) {
-  MultiCharMetricsRange range(3);  // bit 56
-  auto* syllables = new SingleCharMetricsRange(0xAC00, 0xD7AF);
-  syllables->SetAdvance(0xAC00, 920);
-  syllables->SetAdvance(0xD7A3, 921);
-  range.SetCharMetricsRange(1, syllables);
-  char* bits = new char[4]{0x03, 0x00, 0x00, 0x08};  // D7B0, D7B1, D7CB
-  range.SetCharMetricsRange(2,
-                            new ZippedCharMetricsRange(0xD7B0, 0xD7CF, new CharMetrics(500), bits));
-  ByteSink out;
-  ASSERT_TRUE(range.Write(out));
-  std::string body = out.bytes.substr(1);
-  auto in = source(body);
-  MultiCharMetricsRange copy(-1);
-  ASSERT_TRUE(copy.Read(in));
-  EXPECT_EQ(in.Available(), 0u);
-  EXPECT_EQ(copy.GetCount(), 3);
-  EXPECT_EQ(copy.GetCharMetricsRange(0), nullptr);
-  EXPECT_EQ(copy.GetCharMetricsRange(1)->GetType(), CharMetricsRange::kSingle);
-  EXPECT_EQ(copy.GetCharMetricsRange(2)->GetType(), CharMetricsRange::kZipped);
-  EXPECT_EQ(copy.Get(0xD7A3)->GetAdvance(), 921);
-  EXPECT_EQ(copy.Get(0xAC01), nullptr);
-  EXPECT_TRUE(copy.IsVisibleChar(0xD7CB));
-  EXPECT_FALSE(copy.IsVisibleChar(0xD7CC));
-  EXPECT_EQ(copy.Get(0xD7CC)->GetAdvance(), 500);
 }
 
 // The body the binary form prescribes for these present entries.
