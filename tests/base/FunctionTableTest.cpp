@@ -128,30 +128,28 @@ const std::map<std::string, std::function<std::string(const Case&)>> kFunctions 
      [](const Case& c) {
        return locale(*std::unique_ptr<qro_base::Locale>(qro_base::Locale::Create(orNull(c[1]))));
      }},
-    {"locale-compare",  // with a locale (four arguments) or a language text: == and !=
+    {"locale-compare",  // == and != with a locale (four arguments) or a language text
      [](const Case& c) {
-       qro_base::Locale l(c[1].c_str(), c[2].c_str());
-       if (c.fields.size() == 6) {
-         qro_base::Locale other(c[3].c_str(), c[4].c_str());
-         return std::to_string(l == other) + std::to_string(l != other);
-       }
-       return std::to_string(l == orNull(c[3])) + std::to_string(l != orNull(c[3]));
+       qro_base::Locale l(c[1].c_str(), c[2].c_str()), other(c[3].c_str(), c[4].c_str());
+       return c.fields.size() == 6
+                  ? std::to_string(l == other) + std::to_string(l != other)
+                  : std::to_string(l == orNull(c[3])) + std::to_string(l != orNull(c[3]));
      }},
     {"locale-constant",
      [](const Case& c) {
        return locale(c[1] == "KOREA" ? qro_base::Locale::KOREA : qro_base::Locale::DEFAULT);
      }},
-    {"muldiv",  // in single precision
+    {"muldiv",
      [](const Case& c) {
-       float v = MathUtil::MulDiv(std::strtof(c[1].c_str(), nullptr), std::strtof(c[2].c_str(), nullptr),
-                                  std::strtof(c[3].c_str(), nullptr));
-       return std::isnan(v) ? std::string("nan") : str(v);
+       float v = MathUtil::MulDiv(std::stof(c[1]), std::stof(c[2]), std::stof(c[3]));
+       return std::isnan(v) ? "nan" : str(v);
      }},
     {"constant",
      [](const Case& c) {
-       return str(c[1] == "pi"      ? MathUtil::s_PI
+       return str(c[1] == "pi"    ? MathUtil::s_PI
                   : c[1] == "d2r" ? MathUtil::s_DegreeToRadian
-                                  : MathUtil::s_RadianToDegree, 17);
+                                  : MathUtil::s_RadianToDegree,
+                  17);
      }},
     {"rtl",
      [](const Case& c) {
