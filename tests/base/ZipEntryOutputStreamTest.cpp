@@ -99,7 +99,8 @@ TEST(ZipEntryOutputStream, RoundTripsThroughPython) {
     ASSERT_TRUE(put(out, "Fdata/12", ""));
     testing::internal::CaptureStdout();
     EXPECT_FALSE(put(out, tooLong, "no"));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "error in opening " + tooLong + " in zipfile\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "error in opening " + tooLong + " in zipfile\n");
     ASSERT_TRUE(put(out, std::string(65535, 'y'), "fits"));
     EXPECT_EQ(out.GetEntries().size(), 7u);
   }

@@ -40,8 +40,8 @@ TEST_P(ZipFileBackEnd, ListsAndReadsAnIndependentlyWrittenArchive) {
   kelfont_test::LogCapture capture;
   {
     qro_base::ZipFile zip(path.c_str(), zzip());
-    Listing expected = {{"Fdata/", 0}, {"Fdata/0", 256}, {"Ftable", 8890}, {"fc", 0},     {"bzip2", 8890},
-                        {"lzma", 8890},   {"corrupt", 8890}, {"deflate", 3}};
+    Listing expected = {{"Fdata/", 0},   {"Fdata/0", 256}, {"Ftable", 8890},  {"fc", 0},
+                        {"bzip2", 8890}, {"lzma", 8890},   {"corrupt", 8890}, {"deflate", 3}};
     EXPECT_EQ(kelfont_test::listing(zip), expected);
     bool ok = false;
     EXPECT_EQ(kelfont_test::readEntry(zip, "Fdata/0", &ok), kelfont_test::storedBytes());

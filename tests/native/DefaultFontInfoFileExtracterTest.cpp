@@ -1,6 +1,4 @@
 // Extraction from the default package, driven by tests/data/package_extraction.tsv.
-#include "native/DefaultFontInfoFileExtracter.h"
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <zlib.h>
@@ -12,6 +10,7 @@
 #include <string>
 
 #include "base/Environment.h"
+#include "native/DefaultFontInfoFileExtracter.h"
 #include "tests/support/Cases.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TempDir.h"
@@ -19,6 +18,7 @@
 
 namespace {
 
+using kelfont_test::escape;
 using kelfont_test::readFile;
 using kelfont_test::writeFile;
 using qro_ni::DefaultFontInfoFileExtracter;
@@ -64,12 +64,14 @@ std::map<std::string, std::string> writePackage(const std::string& dir, const st
   }
   if (what.rfind("lying:", 0) == 0) {
     entries["Ftable"] = "table";
-    EXPECT_TRUE(writeFile(path, lyingArchive("Ftable", "table", std::stoul(what.substr(6), nullptr, 0))));
+    EXPECT_TRUE(
+        writeFile(path, lyingArchive("Ftable", "table", std::stoul(what.substr(6), nullptr, 0))));
   }
   if (what.find('=') == std::string::npos || what.rfind("lying:", 0) == 0) return entries;
   kelfont_test::TestPackage package;
   std::istringstream in(what);
-  for (std::string entry; std::getline(in, entry, what.find('|') != std::string::npos ? '|' : ';');) {
+  for (std::string entry;
+       std::getline(in, entry, what.find('|') != std::string::npos ? '|' : ';');) {
     const size_t eq = entry.find('=');
     entries[entry.substr(0, eq)] = value(entry.substr(eq + 1));
     package.add(entry.substr(0, eq), entries[entry.substr(0, eq)]);
@@ -88,43 +90,39 @@ TEST(DefaultFontInfoFileExtracter, Lines) {
     std::map<std::string, std::string> entries = writePackage(package, c[0]);
     DefaultFontInfoFileExtracter extracter(data, package + "/");
     kelfont_test::LogCapture log;
+    auto run = [&](const std::string& call) -> std::string {
+      const size_t comma = call.find(',');
+      const std::string arg = call.substr(comma == std::string::npos ? 1 : comma + 1),
+                        file = data + "FInfo/" + arg;
+      const char op = call[0];
+      struct stat st;
+      if (op == 't') return std::to_string(extracter.ExtractFontTable());
+      if (op == 'c') return std::to_string(extracter.ExtractFontChain());
+      if (op == 'd') return std::to_string(extracter.ExtractDefaultFontsList());
+      if (call == "s") return std::to_string(extracter.ExtractScriptDefaultFontsList());
+      if (call == "s!") return std::to_string(extracter.ExtractScriptDefaultFontsList(nullptr));
+      if (op == 's') return std::to_string(extracter.ExtractScriptDefaultFontsList(arg.c_str()));
+      if (op == 'x') return std::to_string(extracter.Extract(arg.c_str()));
+      if (op == '?') return std::to_string(stat((data + arg).c_str(), &st) == 0);
+      if (op == 'D') return std::to_string(rmdir((data + "FInfo/Fdata").c_str()));
+      if (op == '=' && stat(file.c_str(), &st) != 0) return "none";
+      if (op == '=') return readFile(file) == entries[arg] ? "entry" : escape(readFile(file));
+      const std::string name = arg.substr(0, arg.find(',')), text = arg.substr(arg.find(',') + 1);
+      if (op == 'w') return writeFile(data + "FInfo/" + name, value(text)) ? "." : "!";
+      if (op == 'f') extracter.ExtractFontInfoData(std::stoi(arg));
+      if (op == 'f') return ".";
+      if (op == 'L') extracter.Reload();
+      if (op == 'L') return std::to_string(log.lines().size());
+      if (op != 'R') return "unknown call " + call;
+      // A new package put in place of the old one.
+      mkdir((temp.path() + "/staged").c_str(), 0775);
+      entries = writePackage(temp.path() + "/staged", arg);
+      return std::to_string(std::rename((temp.path() + "/staged/qrfont.zip").c_str(),
+                                        (package + "/qrfont.zip").c_str()));
+    };
     std::istringstream calls(c[1]);
     std::string said;
-    for (std::string call; calls >> call;) {
-      const std::string arg = call.substr(call.find(',') + 1), file = data + "FInfo/" + call.substr(1);
-      struct stat st;
-      switch (call[0]) {
-        case 't': said += std::to_string(extracter.ExtractFontTable()); break;
-        case 'c': said += std::to_string(extracter.ExtractFontChain()); break;
-        case 'd': said += std::to_string(extracter.ExtractDefaultFontsList()); break;
-        case 's':
-          said += std::to_string(call == "s"    ? extracter.ExtractScriptDefaultFontsList()
-                                 : call == "s!" ? extracter.ExtractScriptDefaultFontsList(nullptr)
-                                                : extracter.ExtractScriptDefaultFontsList(arg.c_str()));
-          break;
-        case 'x': said += std::to_string(extracter.Extract(arg.c_str())); break;
-        case 'f': extracter.ExtractFontInfoData(std::stoi(arg)); said += "."; break;
-        case 'w':
-          said += writeFile(data + "FInfo/" + arg.substr(0, arg.find(',')), value(arg.substr(arg.find(',') + 1))) ? "." : "!";
-          break;
-        case '=':
-          said += stat(file.c_str(), &st) != 0                        ? "none"
-                  : readFile(file) == entries[call.substr(1)] ? "entry"
-                                                                  : kelfont_test::escape(readFile(file));
-          break;
-        case '?': said += std::to_string(stat((data + call.substr(1)).c_str(), &st) == 0); break;
-        case 'D': said += std::to_string(rmdir((data + "FInfo/Fdata").c_str())); break;
-        case 'R':  // a new package put in place of the old one
-          mkdir((temp.path() + "/staged").c_str(), 0775);
-          entries = writePackage(temp.path() + "/staged", arg);
-          said += std::to_string(std::rename((temp.path() + "/staged/qrfont.zip").c_str(),
-                                             (package + "/qrfont.zip").c_str()));
-          break;
-        case 'L': extracter.Reload(); said += std::to_string(log.lines().size()); break;
-        default: said += "unknown call " + call;
-      }
-      said += " ";
-    }
+    for (std::string call; calls >> call;) said += run(call) + " ";
     EXPECT_EQ(said, c[2] + " ") << c.line;
   }
 }

@@ -1,5 +1,3 @@
-#include "common/font_info/FontInfoSerializer.h"
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <utime.h>
@@ -13,6 +11,7 @@
 
 #include "common/analysis/LangCode.h"
 #include "common/font_info/CharMetricsInfo.h"
+#include "common/font_info/FontInfoSerializer.h"
 #include "common/font_info/KerningInfo.h"
 #include "common/font_info/SingleCharMetricsRange.h"
 #include "common/font_info/SingleDefaultFontRange.h"
@@ -41,7 +40,18 @@ using Directories = std::vector<const std::string*>;
 
 // The leading sections of a table with no directories and no default fonts.
 const std::string kHeader =
-    "0016" "13" "Table Version 2.054\n" "0003" "00\n" "0010" "010" "010" "010" "010" "010" "\n";
+    "0016"
+    "13"
+    "Table Version 2.054\n"
+    "0003"
+    "00\n"
+    "0010"
+    "010"
+    "010"
+    "010"
+    "010"
+    "010"
+    "\n";
 
 // The stored fields of a face, in the form build() takes.
 std::string describe(const FontInfo& info) {
@@ -142,7 +152,14 @@ TEST_F(FontInfoSerializerTest, RecordLines) {
   for (int code : {0x0409, 0x0412, 0x0411, 0x0804, 0x0404, 0x0407, 0x040C, 0x0410, 0x0419, 0x0C0A})
     ten.AddLocalizedName(code, "n");
   serializer.Write(ten, many, 0);
-  EXPECT_NE(many.find("007a" "0a" "0a" "05zh-TW" "01n" "0a"), std::string::npos) << many;
+  EXPECT_NE(many.find("007a"
+                      "0a"
+                      "0a"
+                      "05zh-TW"
+                      "01n"
+                      "0a"),
+            std::string::npos)
+      << many;
   ASSERT_TRUE(serializer.Read(read, many));
   EXPECT_TRUE(read.GetLocalizedNames().empty());
 
@@ -200,7 +217,7 @@ TEST_F(FontInfoSerializerTest, DataFileLines) {
                 (w.find(',') != std::string::npos
                      ? std::to_string(info.GetKerningInfo()->GetDelta(
                            std::stoi(w), std::stoi(w.substr(w.find(',') + 1))))
-                 : !now ? "x"
+                 : !now  ? "x"
                  : entry ? std::to_string(entry->GetAdvance())
                          : "-") +
                 " ";
@@ -254,8 +271,11 @@ TEST_F(FontInfoSerializerTest, DirectoryTimesAMissingDirectoryAndTwelveDirectori
   ASSERT_TRUE(FontInfoSerializer(Base()).Write(list, three));
   const std::string t1 = directoryTime(1700000000), t3 = directoryTime(1600000000);
   ASSERT_EQ(t1.size(), 17u);
-  EXPECT_EQ(readFile(Table()),
-            kHeader.substr(0, 26) + "0029" "03" "11" + t1 + "11" + t3 + "\n" + kHeader.substr(33));
+  EXPECT_EQ(readFile(Table()), kHeader.substr(0, 26) +
+                                   "0029"
+                                   "03"
+                                   "11" +
+                                   t1 + "11" + t3 + "\n" + kHeader.substr(33));
   FontInfoSerializer serializer(Base());
   ASSERT_TRUE(serializer.ReadHeader());
   EXPECT_EQ(serializer.GetFontDirectoryTimes(), (std::vector<std::string>{t1, t3}));
@@ -266,7 +286,9 @@ TEST_F(FontInfoSerializerTest, DirectoryTimesAMissingDirectoryAndTwelveDirectori
 
   // Twelve directories are counted in hex ("0c") and read as none.
   ASSERT_TRUE(FontInfoSerializer(Base()).Write(list, twelve));
-  EXPECT_EQ(readFile(Table()).substr(26, 6), "00e7" "0c");  // 2 + 12 * 19 + 1 bytes
+  EXPECT_EQ(readFile(Table()).substr(26, 6),
+            "00e7"
+            "0c");  // 2 + 12 * 19 + 1 bytes
   FontInfoSerializer many(Base());
   ASSERT_TRUE(many.ReadHeader());
   EXPECT_TRUE(many.GetFontDirectoryTimes().empty());
@@ -282,7 +304,9 @@ TEST_F(FontInfoSerializerTest, TruncatedTablesKeepTheRecordsThatParseAndGarbageG
   Directories none;
   ASSERT_TRUE(serializer.Write(two, none));
   const std::string table = readFile(Table());
-  const size_t secondStart = table.find("0021" "011");
+  const size_t secondStart = table.find(
+      "0021"
+      "011");
   ASSERT_NE(secondStart, std::string::npos);
   for (size_t cut = 1; cut <= table.size(); ++cut) {
     ASSERT_TRUE(writeFile(Table(), table.substr(0, cut)));
@@ -293,8 +317,12 @@ TEST_F(FontInfoSerializerTest, TruncatedTablesKeepTheRecordsThatParseAndGarbageG
     EXPECT_EQ(read, expected > 0) << cut;
     deleteAll(list);
   }
-  for (const std::string& garbage : {std::string(64, 'f'), kHeader + "ffff" + table.substr(kHeader.size() + 4),
-                                     std::string("0016" "ff" "Table Version 2.054\n"), std::string()}) {
+  for (const std::string& garbage :
+       {std::string(64, 'f'), kHeader + "ffff" + table.substr(kHeader.size() + 4),
+        std::string("0016"
+                    "ff"
+                    "Table Version 2.054\n"),
+        std::string()}) {
     ASSERT_TRUE(writeFile(Table(), garbage));
     FontInfoSerializer reader(Base());
     EXPECT_TRUE(reader.IsTableExists());
