@@ -2,8 +2,6 @@
 // tests/data/byte_formats.tsv.
 #include <gtest/gtest.h>
 
-#include <map>
-#include <memory>
 #include <string>
 
 #include "common/font_info/MultiCharMetricsRange.h"
@@ -13,7 +11,6 @@
 namespace {
 
 using font_info_test::ByteSink;
-using font_info_test::source;
 using qro_common::CharMetrics;
 using qro_common::MultiCharMetricsRange;
 using qro_common::SingleCharMetricsRange;
@@ -60,75 +57,6 @@ TEST(MultiCharMetricsRange, DelegatesToTheBlockOfTheCode) {
   range.SetCharMetricsRange(7, new SingleCharMetricsRange(0, 1));  // no such slot
   EXPECT_EQ(range.GetCharMetricsRange(7), nullptr);
   EXPECT_EQ(range.GetCharMetricsRange(-1), nullptr);
-}
-
-// The body the binary form prescribes for these present entries.
-std::string singleBody(int first, int last, const std::map<unsigned, unsigned short>& entries) {
-  std::string bytes(1, '\x01');
-  auto put = [&bytes](unsigned value, int size) {
-    for (int i = 0; i < size; ++i) bytes.push_back(static_cast<char>((value >> (8 * i)) & 0xFF));
-  };
-  put(static_cast<unsigned>(first), 4);
-  put(static_cast<unsigned>(last), 4);
-  put(static_cast<unsigned>(entries.size()), 2);
-  for (const auto& entry : entries) {
-    put(entry.first, 2);
-    put(entry.second, 2);
-  }
-  return bytes;
-}
-
-// Entries set in any order, changed and cleared, in a sparse block that
-// first holds one advance only: every code answers as a plain map of the
-// same entries would, and the written body lists exactly those entries.
-TEST(SingleCharMetricsRange, AnyOrderOfChangesKeepsTheEntries) {
-  const int first = 0x4E00;
-  const int last = 0x9FFF;
-  struct Step {
-    unsigned offset;
-    int advance;  // -1 clears
-  };
-  const Step steps[] = {
-      {0, 1000},     {64, 1000}, {200, 1000}, {130, 1000},   // out of order, one advance
-      {20991, 1000}, {5, 500},   {3, 1000},   {20000, 700},  // a second advance, then inserts
-      {64, 900},     {130, -1},  {0, -1},     {20991, -1},   // changes, clears of both ends
-      {7, 1000},     {20991, 1}, {200, -1},   {201, 2},
-      {20991, -1},   {20002, 5}, {20900, 6},  {20500, 7},  // appends, then one between
-  };
-  SingleCharMetricsRange range(first, last);
-  std::map<unsigned, unsigned short> model;
-  for (const Step& step : steps) {
-    const unsigned code = static_cast<unsigned>(first) + step.offset;
-    if (step.advance < 0) {
-      range.Set(code, nullptr);
-      model.erase(step.offset);
-    } else {
-      range.SetAdvance(code, static_cast<unsigned short>(step.advance));
-      model[step.offset] = static_cast<unsigned short>(step.advance);
-    }
-    const std::string at = "after offset " + std::to_string(step.offset);
-    ASSERT_EQ(range.GetPresentCount(), static_cast<int>(model.size())) << at;
-    for (unsigned offset = 0; offset <= static_cast<unsigned>(last - first); ++offset) {
-      auto it = model.find(offset);
-      const CharMetrics* metrics = range.Get(static_cast<unsigned>(first) + offset);
-      ASSERT_EQ(metrics != nullptr, it != model.end()) << at << ", code offset " << offset;
-      ASSERT_EQ(range.IsVisibleChar(static_cast<unsigned>(first) + offset), it != model.end());
-      if (metrics != nullptr) {
-        ASSERT_EQ(metrics->GetAdvance(), it->second) << at << ", " << offset;
-      }
-    }
-    ByteSink out;
-    ASSERT_TRUE(range.Write(out));
-    ASSERT_EQ(out.bytes, singleBody(first, last, model)) << at;
-    // What was written reads back the same.
-    std::string body = out.bytes.substr(1);
-    auto in = source(body);
-    SingleCharMetricsRange reread(-1, -1);
-    ASSERT_TRUE(reread.Read(in)) << at;
-    ByteSink again;
-    ASSERT_TRUE(reread.Write(again));
-    EXPECT_EQ(again.bytes, out.bytes) << at;
-  }
 }
 
 }  // namespace
