@@ -81,7 +81,10 @@ std::string step(qro_common::FontTable& table, const std::string& s, const std::
   auto text = [](const std::string* value) { return value ? *value : std::string("-"); };
   const char op = s[0];
   if (op == '+' || op == '*') {
-    return std::to_string(table.RegisterFontInfo(rest.empty() ? nullptr : face(rest), op == '*'));
+    FontInfo* added = rest.empty() ? nullptr : face(rest);
+    const int index = table.RegisterFontInfo(added, op == '*');
+    if (index < 0) delete added;  // not taken
+    return std::to_string(index);
   }
   if (op == '#')
     return "#" + std::to_string(table.GetFontCount()) + "/" +
