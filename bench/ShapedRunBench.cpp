@@ -10,13 +10,12 @@
 #include <hb.h>
 
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "bench/BenchSupport.h"
+#include "bench/LocaleWords.h"
 #include "bench/Registration.h"
 #include "bench/ScratchDir.h"
 #include "bench/StartedManager.h"
@@ -30,40 +29,6 @@
 
 namespace kelfont_bench {
 namespace {
-
-std::vector<std::u16string> localeWords(const std::string& name) {
-  std::ifstream in("/usr/share/i18n/locales/" + name);
-  std::vector<std::u16string> words;
-  bool inList = false;
-  for (std::string line; std::getline(in, line);) {
-    std::istringstream fields(line);
-    std::string key;
-    fields >> key;
-    if (!inList && key != "day" && key != "abday" && key != "mon" && key != "abmon") continue;
-    inList = !line.empty() && line.back() == '/';
-    std::u16string word;
-    bool quoted = false;
-    for (std::size_t i = line.find('"'); i < line.size(); ++i) {
-      if (line[i] == '"' || (quoted && line[i] == ' ')) {
-        if (!word.empty()) words.push_back(word);
-        word.clear();
-        if (line[i] == '"') quoted = !quoted;
-      } else if (quoted && line.compare(i, 2, "<U") == 0) {
-        const unsigned long c = std::strtoul(line.c_str() + i + 2, nullptr, 16);
-        if (c >= 0x10000) {
-          word += static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
-          word += static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
-        } else {
-          word += static_cast<char16_t>(c);
-        }
-        i = line.find('>', i);
-      } else if (quoted) {
-        word += static_cast<char16_t>(static_cast<unsigned char>(line[i]));
-      }
-    }
-  }
-  return words;
-}
 
 struct Setup {
   ScratchDir dir;

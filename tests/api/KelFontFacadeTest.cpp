@@ -3,12 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "api/kelfont.h"
 #include "tests/api/FacadeCache.h"
+#include "tests/support/Cases.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestFonts.h"
 
@@ -54,23 +57,95 @@ class KelFontFacade : public ::testing::Test {
     init(base_);
   }
   void TearDown() override { UnInitKelFont(); }
-  void loadEvictFonts() {
-    for (int i = 0; i <= 20; ++i) ASSERT_EQ(charInfo(kFirstEvict + i, 'A'), Answer(0, 100 + i));
-  }
-  bool rewrite(int i) { return writeDataFile(base_, kFirstEvictInfo + i, rewritten(i)); }
 
   kelfont_test::TempDir dir_;
   std::string base_ = dir_.path() + "/";
 };
 
-TEST_F(KelFontFacade, FindsFontsByNameAndLocalizedName) {
+std::string said(const Answer& answer) {
+  return std::to_string(answer.first) +
+         (answer.second == -12345 ? "" : "/" + std::to_string(answer.second));
+}
+
+// One call of tests/data/facade_scripts.tsv and its answer.
+std::string call(const std::string& token, const std::string& base) {
+  std::vector<std::string> a;
+  std::istringstream parts(token);
+  for (std::string part; std::getline(parts, part, ',');) a.push_back(part);
+  a.resize(5);
+  auto number = [&](size_t i) { return static_cast<int>(std::stol(a[i], nullptr, 0)); };
+  auto code = [&](size_t i) {
+    return a[i].size() == 1           ? static_cast<unsigned char>(a[i][0])
+           : a[i].rfind("U+", 0) == 0 ? std::stoi(a[i].substr(2), nullptr, 16)
+                                      : number(i);
+  };
+  const std::string& style = a[0] == "c" ? a[3] : a[0] == "e" ? a[2] : a[4];
+  const bool bold = style.find('b') != std::string::npos,
+             italic = style.find('i') != std::string::npos;
+  const char op = token[0];
+  if (op == 'c') return said(charInfo(number(1), code(2), bold, italic));
+  if (op == 'e') return said(emSquare(number(1), bold, italic));
+  if (op == 'k') return said(kerning(number(1), code(2), code(3), bold));
+  std::replace(a[1].begin(), a[1].end(), '_', ' ');
+  if (op == 'n') return std::to_string(GetFontIndex(a[1].c_str()));
+  if (op == '?') return std::to_string(IsKelFontInitialized());
+  if (op == 'p') return kelfont_test::writeFile(base + "FInfo/Fdata/probe", "x") ? "." : "!";
+  if (op == 'w')
+    return writeDataFile(base, kFirstEvictInfo + number(1), rewritten(number(1))) ? "." : "!";
+  if (op == 'L') {
+    for (int i = 0; i <= 20; ++i) {
+      if (charInfo(kFirstEvict + i, 'A') != Answer(0, 100 + i)) return "!";
+    }
+  }
+  if (op == 'd') {
+    Face face = standardFaces()[static_cast<size_t>(number(1))];
+    face.advances[static_cast<unsigned>(std::stoi(a[2], nullptr, 16))] =
+        static_cast<unsigned short>(std::stoi(a[2].substr(a[2].find('=') + 1)));
+    if (!writeDataFile(base, number(1), face)) return "!";
+  }
+  if (op == 'S') {  // a start-up on the running facade with a cache of eviction faces 0..4
+    std::vector<Face> faces;
+    for (int i = 0; i < 5; ++i) faces.push_back(evictFace(i));
+    CKelFontWidth* running = gKelFontWidth;
+    if (!writeCache(base + "second/", faces)) return "!";
+    init(base + "second/");
+    return gKelFontWidth == running ? "same" : "new";
+  }
+  if (op == 'C') ClearKelFontCacheInfo();
+  if (op == 'U') UnInitKelFont();
+  if (op == 'I') init(base);
+  return std::string("LdCUI").find(op) != std::string::npos ? "." : "unknown call";
+}
+
+// The cache of a script: the standard one, none, or its table damaged.
+std::string prepare(const kelfont_test::TempDir& dir, const std::string& kind) {
+  const std::string base = dir.path() + "/", table = base + "FInfo/Ftable";
+  if (kind == "none") return base;
+  EXPECT_TRUE(writeCache(base, standardFaces()));
+  std::string bytes = kelfont_test::readFile(table);
+  EXPECT_EQ(bytes.substr(0, 25), "001613Table Version 2.054");
+  if (kind == "garbage") bytes = std::string("\xff\x00zz\n", 5) + "0016garbage";
+  if (kind == "version") bytes[24] = '3';
+  if (kind == "truncated") bytes = bytes.substr(0, bytes.find("KelTest NoMetrics"));
+  EXPECT_TRUE(kelfont_test::writeFile(table, bytes));
+  return base;
+}
+
+TEST(KelFontFacadeScripts, Lines) {
   EXPECT_EQ(IsKelFontInitialized(), 0);
-  const std::pair<const char*, int> names[] = {
-      {"KelTest Basic", kBasic}, {"켈테스트 기본", kBasic},          {"굴림", kGulim},
-      {"돋움", kDotum},          {"Roboto", kRobotoLight},          {"keltest basic", -1},
-      {"", -1},                  {"KelTest Evict 21", kFontCount - 1}};
-  for (const auto& [name, index] : names) EXPECT_EQ(GetFontIndex(name), index) << name;
   EXPECT_EQ(GetFontIndex(nullptr), -1);
+  for (const kelfont_test::Case& c : kelfont_test::cases("facade_scripts.tsv")) {
+    kelfont_test::TempDir dir;
+    const std::string base = prepare(dir, c[0]);
+    init(base);
+    std::istringstream calls(c[1]);
+    std::string answers;
+    for (std::string token; calls >> token;)
+      answers += (answers.empty() ? "" : " ") + call(token, base);
+    EXPECT_EQ(answers, c[2]) << c.line;
+    UnInitKelFont();
+  }
+  EXPECT_EQ(gKelFontWidth, nullptr);
 }
 
 TEST_F(KelFontFacade, AdvancesAndEmSquareAreThoseOfTheFontFilesPerStyle) {
@@ -90,7 +165,6 @@ TEST_F(KelFontFacade, AdvancesAndEmSquareAreThoseOfTheFontFilesPerStyle) {
   }
   EXPECT_NE(expectedFace("basic.ttf").chars.at('A').advance,
             expectedFace("bold.ttf").chars.at('A').advance);
-  EXPECT_EQ(emSquare(kGulim, true), Answer(0, 1024));
 }
 
 TEST_F(KelFontFacade, BoldAdvancesOfTheListedFontsAreCorrected) {
@@ -101,49 +175,6 @@ TEST_F(KelFontFacade, BoldAdvancesOfTheListedFontsAreCorrected) {
     EXPECT_EQ(charInfo(kGulim, ch, true, true), Answer(0, band.bold)) << band.advance;
     EXPECT_EQ(charInfo(kGulim, ch, false, true), Answer(0, band.advance));
   }
-  // 돋움 has a bold face of its own, 1051 corrected to 1031.
-  EXPECT_EQ(charInfo(kDotum, 'A'), Answer(0, 1024));
-  EXPECT_EQ(charInfo(kDotum, 'A', true), Answer(0, 1031));
-  // Fonts outside the list keep their bold advances: 100 would become 96.
-  EXPECT_EQ(charInfo(kFirstEvict, 'A', true), Answer(0, 100));
-}
-
-TEST_F(KelFontFacade, MissingCharacterIsNotRemembered) {
-  for (int ch : {int('z'), 0x1F600, -1}) EXPECT_EQ(charInfo(kGulim, ch), Answer(-6, 0)) << ch;
-  Face gulim = standardFaces()[4];
-  ASSERT_EQ(gulim.fontName, "Gulim");
-  gulim.advances['z'] = 700;
-  ASSERT_TRUE(writeDataFile(base_, 4, gulim));
-  ClearKelFontCacheInfo();
-  EXPECT_EQ(charInfo(kGulim, 'z'), Answer(0, 700));
-  EXPECT_EQ(charInfo(kGulim, 'z', true), Answer(0, 687));
-}
-
-TEST_F(KelFontFacade, StatusCodesOfTheQueries) {
-  // -1: not below the font count.
-  EXPECT_EQ(charInfo(kFontCount, 'A').first, -1);
-  EXPECT_EQ(emSquare(kFontCount).first, -1);
-  EXPECT_EQ(kerning(kFontCount, 'A', 'V').first, -1);
-  EXPECT_EQ(charInfo(kFontCount - 1, 'A'), Answer(0, 121));
-  // -4: a negative index passes the count test but has no face; the only
-  // face of Roboto is a Light one, which never becomes its regular face.
-  for (int font : {-1, static_cast<int>(kRobotoLight)}) {
-    EXPECT_EQ(charInfo(font, 'A').first, -4) << font;
-    EXPECT_EQ(emSquare(font).first, -4) << font;
-    EXPECT_EQ(kerning(font, 'A', 'V').first, -4) << font;
-  }
-  // -5: the data file is missing, cut short or damaged.
-  for (int font : {kNoData, kTruncated, kDamaged}) {
-    EXPECT_EQ(charInfo(font, 'A').first, -5) << font;
-    EXPECT_EQ(kerning(font, 'A', 'V').first, -5) << font;
-    EXPECT_EQ(emSquare(font), Answer(0, 1000)) << font;
-  }
-  // -6: a data file with kerning and no advances.
-  EXPECT_EQ(charInfo(kKerningOnly, 'A'), Answer(-6, 0));
-  EXPECT_EQ(kerning(kKerningOnly, 'A', 'V'), Answer(0, -77));
-  // -7: no metrics record; the advances are there all the same.
-  EXPECT_EQ(emSquare(kNoMetrics).first, -7);
-  EXPECT_EQ(charInfo(kNoMetrics, 'A'), Answer(0, 500));
 }
 
 TEST_F(KelFontFacade, KerningComesFromTheFaceOfTheStyleAndIsTimed) {
@@ -166,114 +197,6 @@ TEST_F(KelFontFacade, KerningComesFromTheFaceOfTheStyleAndIsTimed) {
   EXPECT_EQ(kerning(kBasic, 'A', 'V').first, -1);  // started, never ended
   EXPECT_NE(startTime, static_cast<std::clock_t>(-1));
   EXPECT_EQ(endTime, static_cast<std::clock_t>(-1));
-}
-
-TEST_F(KelFontFacade, TheTwentySecondLoadedFontDropsTheOldest) {
-  loadEvictFonts();
-  ASSERT_TRUE(rewrite(0));
-  EXPECT_EQ(charInfo(kFirstEvict, 'B'), Answer(0, 200));  // 21 loaded: still in memory
-
-  EXPECT_EQ(charInfo(kFirstEvict + 21, 'A'), Answer(0, 121));  // drops font 0
-  EXPECT_EQ(charInfo(kFirstEvict, 'A'), Answer(0, 100));       // answered before
-  EXPECT_EQ(charInfo(kFirstEvict, 'C'), Answer(0, 1300));      // read again; drops font 1
-
-  ASSERT_TRUE(rewrite(2));
-  EXPECT_EQ(charInfo(kFirstEvict + 2, 'C'), Answer(0, 302));
-  ASSERT_TRUE(rewrite(1));
-  EXPECT_EQ(charInfo(kFirstEvict + 1, 'C'), Answer(0, 1301));
-}
-
-TEST_F(KelFontFacade, AFailedLoadStillDropsTheOldest) {
-  loadEvictFonts();
-  EXPECT_EQ(charInfo(kNoData, 'A').first, -5);  // drops font 0, adds nothing
-  ASSERT_TRUE(rewrite(0));
-  ASSERT_TRUE(rewrite(1));
-  EXPECT_EQ(charInfo(kFirstEvict, 'B'), Answer(0, 1200));  // read again: 20 were left
-  EXPECT_EQ(charInfo(kFirstEvict + 1, 'B'), Answer(0, 201));
-}
-
-TEST_F(KelFontFacade, FacesLoadedForKerningAreNeverDropped) {
-  ASSERT_EQ(kerning(kFirstEvict + 21, 'A', 'V'), Answer(0, 0));
-  loadEvictFonts();
-  for (int font : {kGulim, kDotum, kNoMetrics}) ASSERT_EQ(charInfo(font, 'A').first, 0);
-  ASSERT_TRUE(rewrite(21));
-  EXPECT_EQ(charInfo(kFirstEvict + 21, 'B'), Answer(0, 221));
-}
-
-TEST_F(KelFontFacade, ClearingDropsLoadedDataButKeepsAnswers) {
-  EXPECT_EQ(charInfo(kFirstEvict, 'A'), Answer(0, 100));
-  ASSERT_TRUE(rewrite(0));
-  ClearKelFontCacheInfo();
-  EXPECT_EQ(charInfo(kFirstEvict, 'A'), Answer(0, 100));
-  EXPECT_EQ(charInfo(kFirstEvict, 'C'), Answer(0, 1300));
-  EXPECT_EQ(charInfo(kFirstEvict, 'A', true), Answer(0, 1100));  // a new key
-}
-
-TEST_F(KelFontFacade, UnInitDestroysTheFacadeAndARestartReadsTheNewCache) {
-  ASSERT_EQ(charInfo(kGulim, '"'), Answer(0, 280));
-  UnInitKelFont();
-  EXPECT_EQ(gKelFontWidth, nullptr);
-  EXPECT_EQ(IsKelFontInitialized(), 0);
-  EXPECT_EQ(charInfo(kGulim, 'A').first, -1);
-  EXPECT_EQ(GetFontIndex("Gulim"), -1);
-  ClearKelFontCacheInfo();
-  UnInitKelFont();
-  init(base_);
-  EXPECT_EQ(charInfo(kGulim, '"', true), Answer(0, 276));
-
-  // A second start-up on a running facade reads the new cache; answers
-  // given before are kept, indexes beyond the new font count are refused.
-  CKelFontWidth* facade = gKelFontWidth;
-  kelfont_test::TempDir other;
-  std::vector<Face> faces;
-  for (int i = 0; i < 5; ++i) faces.push_back(evictFace(i));
-  ASSERT_TRUE(writeCache(other.path() + "/", faces));
-  init(other.path() + "/");
-  EXPECT_EQ(gKelFontWidth, facade);
-  EXPECT_EQ(GetFontIndex("Gulim"), -1);
-  EXPECT_EQ(GetFontIndex("KelTest Evict 04"), 4);
-  EXPECT_EQ(charInfo(kGulim, '"', true), Answer(0, 276));
-  EXPECT_EQ(charInfo(5, 'A').first, -1);
-}
-
-// A cache that is missing or damaged leaves the table empty: every font
-// index is out of range. A truncated table keeps its whole records.
-TEST(KelFontDamagedCache, LeavesTheTableEmptyOrKeepsWholeRecords) {
-  const std::pair<const char*, std::string> cases[] = {
-      {"none", ""},
-      {"garbage", std::string("\xff\x00zz\n", 5) + "0016garbage"},
-      {"other version", "3"},
-      {"truncated", "KelTest NoMetrics"}};
-  for (const auto& [label, damage] : cases) {
-    SCOPED_TRACE(label);
-    kelfont_test::TempDir dir;
-    const std::string base = dir.path() + "/", table = base + "FInfo/Ftable";
-    if (*label != 'n') {
-      ASSERT_TRUE(writeCache(base, standardFaces()));
-      std::string bytes = kelfont_test::readFile(table);
-      ASSERT_EQ(bytes.substr(0, 25), "001613Table Version 2.054");
-      if (*label == 'g') bytes = damage;
-      if (*label == 'o') bytes[24] = '3';
-      if (*label == 't') bytes = bytes.substr(0, bytes.find(damage));  // inside record 8
-      ASSERT_TRUE(kelfont_test::writeFile(table, bytes));
-    }
-    ASSERT_EQ(InitKelFont("", base.c_str(), ""), 0);
-    EXPECT_EQ(IsKelFontInitialized(), 0);
-    if (*label == 'n') {
-      EXPECT_TRUE(kelfont_test::writeFile(base + "FInfo/Fdata/probe", "x"));
-    }
-    const int fonts = *label == 't' ? kDotum + 1 : 0;
-    EXPECT_EQ(GetFontIndex("돋움"), fonts ? kDotum : -1);
-    EXPECT_EQ(GetFontIndex("KelTest NoMetrics"), -1);
-    if (fonts) {
-      EXPECT_EQ(charInfo(kDotum, 'A', true), Answer(0, 1031));
-    }
-    EXPECT_EQ(charInfo(fonts, 'A').first, -1);
-    EXPECT_EQ(emSquare(fonts).first, -1);
-    EXPECT_EQ(kerning(fonts, 'A', 'V').first, -1);
-    EXPECT_EQ(charInfo(-1, 'A').first, -4);
-    UnInitKelFont();
-  }
 }
 
 }  // namespace

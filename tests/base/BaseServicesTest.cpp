@@ -1,19 +1,13 @@
-// Small services of the base layer: math helpers, locales, logging, the
-// environment's ownership rule, file helpers. Their tables of cases:
-// tests/data/base_functions.tsv.
+// Small services of the base layer: logging, the environment's ownership
+// rule, file helpers. Math helpers and locales: tests/data/base_functions.tsv.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <climits>
-#include <cmath>
-#include <limits>
 #include <string>
 
 #include "base/Environment.h"
 #include "base/FileUtils.h"
-#include "base/Locale.h"
 #include "base/Log.h"
-#include "base/MathUtil.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TempDir.h"
 
@@ -23,31 +17,6 @@ using kelfont_test::TempDir;
 using qro_base::confirmFilePathExists;
 using qro_base::Environment;
 using qro_base::isFileExists;
-using qro_base::Locale;
-using qro_base::MathUtil;
-
-TEST(MathUtil, ConstantsPiIsTheSinglePrecisionValueButDegreesUseFullPrecision) {
-  EXPECT_EQ(MathUtil::s_PI, static_cast<double>(3.141592f));
-  EXPECT_DOUBLE_EQ(MathUtil::s_DegreeToRadian, 3.141592653589793 / 180.0);
-  EXPECT_DOUBLE_EQ(MathUtil::s_RadianToDegree, 180.0 / 3.141592653589793);
-}
-
-TEST(MathUtil, MulDivComputesInSinglePrecision) {
-  EXPECT_EQ(MathUtil::MulDiv(1000, 2048, 1000), 2048.0f);
-  // 1e40 does not fit a float, so the product already overflows.
-  EXPECT_TRUE(std::isinf(MathUtil::MulDiv(1e20f, 1e20f, 1e20f)));
-  EXPECT_TRUE(std::isnan(MathUtil::MulDiv(0, 1, 0)));
-}
-
-TEST(Locale, CompareWithLocalesAndLanguageTexts) {
-  EXPECT_EQ(Locale::DEFAULT.GetLanguage() + Locale::DEFAULT.GetCountry(), "enUS");
-  EXPECT_TRUE(Locale("ko", "KR") == Locale::KOREA);
-  EXPECT_TRUE(Locale("ko", "kr") != Locale::KOREA);
-  EXPECT_TRUE(Locale("en", "GB") == "en");
-  EXPECT_TRUE(Locale("en", "GB") != "EN");
-  EXPECT_TRUE(Locale("en", "GB") != "en-GB");
-  EXPECT_FALSE(Locale("en", "GB") == static_cast<const char*>(nullptr));
-}
 
 TEST(Log, ProfileLinesCarryPrioritySixAndTheTag) {
   kelfont_test::LogCapture capture;

@@ -128,6 +128,29 @@ const std::map<std::string, std::function<std::string(const Case&)>> kFunctions 
      [](const Case& c) {
        return locale(*std::unique_ptr<qro_base::Locale>(qro_base::Locale::Create(orNull(c[1]))));
      }},
+    {"locale-compare",  // == and != with a locale (four arguments) or a language text
+     [](const Case& c) {
+       qro_base::Locale l(c[1].c_str(), c[2].c_str()), other(c[3].c_str(), c[4].c_str());
+       return c.fields.size() == 6
+                  ? std::to_string(l == other) + std::to_string(l != other)
+                  : std::to_string(l == orNull(c[3])) + std::to_string(l != orNull(c[3]));
+     }},
+    {"locale-constant",
+     [](const Case& c) {
+       return locale(c[1] == "KOREA" ? qro_base::Locale::KOREA : qro_base::Locale::DEFAULT);
+     }},
+    {"muldiv",
+     [](const Case& c) {
+       float v = MathUtil::MulDiv(std::stof(c[1]), std::stof(c[2]), std::stof(c[3]));
+       return std::isnan(v) ? "nan" : str(v);
+     }},
+    {"constant",
+     [](const Case& c) {
+       return str(c[1] == "pi"    ? MathUtil::s_PI
+                  : c[1] == "d2r" ? MathUtil::s_DegreeToRadian
+                                  : MathUtil::s_RadianToDegree,
+                  17);
+     }},
     {"rtl",
      [](const Case& c) {
        return std::to_string(qro_base::Locale(c[1].c_str(), "").IsLanguageForRTL());

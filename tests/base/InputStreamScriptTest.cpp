@@ -104,6 +104,11 @@ TEST(InputStreams, Scripts) {
           if (count > 0) got.append(buffer.data(), count);
           break;
         }
+        case 'f': {
+          std::vector<char> buffer(in->Available());
+          said << (in->Read(buffer.data(), n) <= 0 ? "fail" : "read");
+          break;
+        }
         case 'R': {
           std::string all;
           std::ostringstream units;

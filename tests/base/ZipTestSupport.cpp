@@ -25,6 +25,16 @@ with zipfile.ZipFile(sys.argv[1], 'w') as z:
     z.writestr('Fdata/0', bytes(range(256)), compress_type=zipfile.ZIP_STORED)
     z.writestr('Ftable', text, compress_type=zipfile.ZIP_DEFLATED)
     z.writestr('fc', b'', compress_type=zipfile.ZIP_DEFLATED)
+    z.writestr('bzip2', text, compress_type=zipfile.ZIP_BZIP2)
+    z.writestr('lzma', text, compress_type=zipfile.ZIP_LZMA)
+    z.writestr('corrupt', text, compress_type=zipfile.ZIP_DEFLATED)
+    z.writestr('deflate', b'abc', compress_type=zipfile.ZIP_DEFLATED)
+    info = z.getinfo('corrupt')
+data = bytearray(open(sys.argv[1], 'rb').read())
+start = info.header_offset + 30 + len(info.filename) + len(info.extra)
+# 0xFF starts a final block of the reserved type 3: invalid at once.
+data[start:start + info.compress_size] = b'\xff' * info.compress_size
+open(sys.argv[1], 'wb').write(data)
 )";
   std::string path = dir.file("python.zip");
   if (!runPython(kProgram, {path})) return "";

@@ -20,7 +20,9 @@ std::string deflatedText();
 
 // Writes dir/python.zip with Python's zipfile module and returns its path.
 // Entries in order: the folder "Fdata/", "Fdata/0" (storedBytes(), stored),
-// "Ftable" (deflatedText(), deflated), "fc" (empty, deflated).
+// "Ftable" (deflatedText(), deflated), "fc" (empty, deflated), then
+// deflatedText() as "bzip2" and "lzma" (methods the readers do not take) and
+// as "corrupt" (deflated, its data overwritten), and "deflate" ("abc").
 std::string writePythonArchive(const TempDir& dir);
 
 // The (name, size) pairs of the archive's entry list.

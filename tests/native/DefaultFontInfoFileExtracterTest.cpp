@@ -1,38 +1,27 @@
-#include "native/DefaultFontInfoFileExtracter.h"
-
+// Extraction from the default package, driven by tests/data/package_extraction.tsv.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <zlib.h>
 
 #include <cstdio>
+#include <map>
+#include <memory>
+#include <sstream>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "base/Environment.h"
+#include "native/DefaultFontInfoFileExtracter.h"
+#include "tests/support/Cases.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestPackage.h"
 
 namespace {
 
+using kelfont_test::escape;
 using kelfont_test::readFile;
-using kelfont_test::TempDir;
 using kelfont_test::writeFile;
 using qro_ni::DefaultFontInfoFileExtracter;
-using Entries = std::vector<std::pair<std::string, std::string>>;
-
-bool exists(const std::string& path) {
-  struct stat st;
-  return stat(path.c_str(), &st) == 0;
-}
-
-// Writes <dir>/qrfont.zip with the library's own zip writer.
-void writePackage(const std::string& dir, const Entries& entries) {
-  kelfont_test::TestPackage package;
-  for (const auto& [name, bytes] : entries) package.add(name, bytes);
-  ASSERT_TRUE(package.write(dir));
-}
 
 std::string le16(unsigned v) { return {static_cast<char>(v & 0xFF), static_cast<char>(v >> 8)}; }
 std::string le32(unsigned long v) { return le16(v & 0xFFFF) + le16((v >> 16) & 0xFFFF); }
@@ -52,153 +41,104 @@ std::string lyingArchive(const std::string& name, const std::string& data, unsig
          le32(central.size()) + le32(local.size()) + le16(0);
 }
 
-// A data directory with FInfo/ and FInfo/Fdata/ and a package directory.
-struct Dirs {
-  TempDir temp;
-  std::string data = temp.path() + "/data/";
-  std::string package = temp.path() + "/package/";
-  Dirs() {
+// "@binary": every byte value three times; "@big": more than one inflater block.
+std::string value(const std::string& text) {
+  std::string out;
+  if (text == "@binary") {
+    for (int i = 0; i < 768; ++i) out += static_cast<char>(i % 256);
+  } else if (text == "@big") {
+    for (int i = 0; i < 20000; ++i) out += "Ftable line " + std::to_string(i * 7919 % 10007) + "\n";
+  }
+  return out.empty() ? text : out;
+}
+
+// Writes DIR/qrfont.zip: NAME=VALUE entries ("|" or ";" between them), or a
+// package that is missing, no zip, cut short, or lying about its size.
+std::map<std::string, std::string> writePackage(const std::string& dir, const std::string& what) {
+  std::map<std::string, std::string> entries;
+  const std::string path = dir + "/qrfont.zip";
+  if (what == "missing") return entries;
+  if (what == "notzip" || what == "cut") {
+    EXPECT_TRUE(writeFile(path, what == "cut" ? lyingArchive("Ftable", "table", 5).substr(0, 40)
+                                              : "Ftable\nfc\n" + std::string(3000, 'P')));
+  }
+  if (what.rfind("lying:", 0) == 0) {
+    entries["Ftable"] = "table";
+    EXPECT_TRUE(
+        writeFile(path, lyingArchive("Ftable", "table", std::stoul(what.substr(6), nullptr, 0))));
+  }
+  if (what.find('=') == std::string::npos || what.rfind("lying:", 0) == 0) return entries;
+  kelfont_test::TestPackage package;
+  std::istringstream in(what);
+  for (std::string entry;
+       std::getline(in, entry, what.find('|') != std::string::npos ? '|' : ';');) {
+    const size_t eq = entry.find('=');
+    entries[entry.substr(0, eq)] = value(entry.substr(eq + 1));
+    package.add(entry.substr(0, eq), entries[entry.substr(0, eq)]);
+  }
+  EXPECT_TRUE(package.write(dir));
+  return entries;
+}
+
+TEST(DefaultFontInfoFileExtracter, Lines) {
+  for (const kelfont_test::Case& c : kelfont_test::cases("package_extraction.tsv")) {
+    kelfont_test::TempDir temp;
+    const std::string data = temp.path() + "/data/", package = temp.path() + "/package";
     for (const std::string& dir : {data, data + "FInfo", data + "FInfo/Fdata", package}) {
       mkdir(dir.c_str(), 0775);
     }
+    std::map<std::string, std::string> entries = writePackage(package, c[0]);
+    DefaultFontInfoFileExtracter extracter(data, package + "/");
+    kelfont_test::LogCapture log;
+    auto run = [&](const std::string& call) -> std::string {
+      const size_t comma = call.find(',');
+      const std::string arg = call.substr(comma == std::string::npos ? 1 : comma + 1),
+                        file = data + "FInfo/" + arg;
+      const char op = call[0];
+      struct stat st;
+      if (op == 't') return std::to_string(extracter.ExtractFontTable());
+      if (op == 'c') return std::to_string(extracter.ExtractFontChain());
+      if (op == 'd') return std::to_string(extracter.ExtractDefaultFontsList());
+      if (call == "s") return std::to_string(extracter.ExtractScriptDefaultFontsList());
+      if (call == "s!") return std::to_string(extracter.ExtractScriptDefaultFontsList(nullptr));
+      if (op == 's') return std::to_string(extracter.ExtractScriptDefaultFontsList(arg.c_str()));
+      if (op == 'x') return std::to_string(extracter.Extract(arg.c_str()));
+      if (op == '?') return std::to_string(stat((data + arg).c_str(), &st) == 0);
+      if (op == 'D') return std::to_string(rmdir((data + "FInfo/Fdata").c_str()));
+      if (op == '=' && stat(file.c_str(), &st) != 0) return "none";
+      if (op == '=') return readFile(file) == entries[arg] ? "entry" : escape(readFile(file));
+      const std::string name = arg.substr(0, arg.find(',')), text = arg.substr(arg.find(',') + 1);
+      if (op == 'w') return writeFile(data + "FInfo/" + name, value(text)) ? "." : "!";
+      if (op == 'f') extracter.ExtractFontInfoData(std::stoi(arg));
+      if (op == 'f') return ".";
+      if (op == 'L') extracter.Reload();
+      if (op == 'L') return std::to_string(log.lines().size());
+      if (op != 'R') return "unknown call " + call;
+      // A new package put in place of the old one.
+      mkdir((temp.path() + "/staged").c_str(), 0775);
+      entries = writePackage(temp.path() + "/staged", arg);
+      return std::to_string(std::rename((temp.path() + "/staged/qrfont.zip").c_str(),
+                                        (package + "/qrfont.zip").c_str()));
+    };
+    std::istringstream calls(c[1]);
+    std::string said;
+    for (std::string call; calls >> call;) said += run(call) + " ";
+    EXPECT_EQ(said, c[2] + " ") << c.line;
   }
-  std::string out(const std::string& name) const { return data + "FInfo/" + name; }
-};
-
-TEST(DefaultFontInfoFileExtracter, ExtractsEveryEntryByteForByte) {
-  Dirs dirs;
-  std::string binary, big;  // every byte value; more than one inflater block
-  for (int i = 0; i < 768; ++i) binary += static_cast<char>(i % 256);
-  for (int i = 0; i < 20000; ++i) big += "Ftable line " + std::to_string(i * 7919 % 10007) + "\n";
-  const Entries entries = {{"Ftable", big},          {"Fdata/12", binary}, {"fc", "Arial\r\nGulim\n\n"},
-                           {"df", "Gulim\n\nArial\n"}, {"sf", "56\nGulim\n"}, {"sf_ko", "56\nBatang\n"}};
-  Entries package = entries;
-  package.insert(package.end(), {{"Fdata/", ""}, {"Fdata/3", "three"}, {"sf_ja", ""}});
-  writePackage(dirs.package, package);
-  // Extraction truncates what was there; a failed one leaves it alone.
-  ASSERT_TRUE(writeFile(dirs.out("fc"), std::string(5000, 'x')));
-  ASSERT_TRUE(writeFile(dirs.out("sf_ja"), "old"));
-
-  DefaultFontInfoFileExtracter extracter(dirs.data, dirs.package);
-  EXPECT_TRUE(extracter.ExtractFontTable());
-  EXPECT_TRUE(extracter.ExtractFontChain());
-  EXPECT_TRUE(extracter.ExtractDefaultFontsList());
-  EXPECT_TRUE(extracter.ExtractScriptDefaultFontsList());
-  EXPECT_TRUE(extracter.ExtractScriptDefaultFontsList("ko"));
-  extracter.ExtractFontInfoData(12);
-  for (const auto& [name, bytes] : entries) EXPECT_EQ(readFile(dirs.out(name)), bytes) << name;
-  EXPECT_FALSE(exists(dirs.out("Fdata/3")));  // only what was asked for
-
-  // Empty and missing entries give false and write nothing.
-  EXPECT_FALSE(extracter.ExtractScriptDefaultFontsList("ja"));
-  EXPECT_FALSE(extracter.ExtractScriptDefaultFontsList("zh"));
-  extracter.ExtractFontInfoData(4);
-  EXPECT_FALSE(extracter.Extract("Fdata/"));  // the folder entry is empty
-  EXPECT_FALSE(extracter.Extract("FTABLE"));  // names are case-sensitive
-  EXPECT_EQ(readFile(dirs.out("sf_ja")), "old");
-  for (const char* name : {"sf_zh", "Fdata/4", "FTABLE"}) EXPECT_FALSE(exists(dirs.out(name)));
-}
-
-TEST(DefaultFontInfoFileExtracter, NoUsablePackageGivesFalseEverywhere) {
-  Dirs dirs;
-  std::vector<std::pair<const char*, std::string>> packages = {
-      {"missing", ""},
-      {"not a zip", "Ftable\nfc\n" + std::string(3000, 'P')},
-      {"cut short", lyingArchive("Ftable", "table", 5).substr(0, 40)}};
-  for (const auto& [label, bytes] : packages) {
-    SCOPED_TRACE(label);
-    if (!bytes.empty()) {
-      ASSERT_TRUE(writeFile(dirs.package + "qrfont.zip", bytes));
-    }
-    DefaultFontInfoFileExtracter extracter(dirs.data, dirs.package);
-    EXPECT_FALSE(extracter.ExtractFontTable());
-    EXPECT_FALSE(extracter.ExtractFontChain());
-    EXPECT_FALSE(extracter.ExtractDefaultFontsList());
-    EXPECT_FALSE(extracter.ExtractScriptDefaultFontsList());
-    EXPECT_FALSE(extracter.ExtractScriptDefaultFontsList("ko"));
-    extracter.ExtractFontInfoData(0);
-    EXPECT_FALSE(exists(dirs.out("Ftable")));
-    EXPECT_FALSE(exists(dirs.out("Fdata/0")));
-  }
-}
-
-TEST(DefaultFontInfoFileExtracter, SizesTheEntryCannotBackAreRefused) {
-  Dirs dirs;
-  ASSERT_TRUE(writeFile(dirs.out("Ftable"), "kept"));
-  struct Case {
-    const char* label;
-    unsigned long claimed;
-  } cases[] = {{"above the limit", 300ul * 1024 * 1024},
-               {"negative when sign-extended", 0x80000010ul},
-               {"longer than the archive", 100000ul}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.label);
-    ASSERT_TRUE(writeFile(dirs.package + "qrfont.zip", lyingArchive("Ftable", "table", c.claimed)));
-    DefaultFontInfoFileExtracter extracter(dirs.data, dirs.package);
-    EXPECT_FALSE(extracter.ExtractFontTable());
-    EXPECT_EQ(readFile(dirs.out("Ftable")), "kept");
-  }
-  // The same archive with honest sizes is extracted.
-  ASSERT_TRUE(writeFile(dirs.package + "qrfont.zip", lyingArchive("Ftable", "table", 5)));
-  DefaultFontInfoFileExtracter extracter(dirs.data, dirs.package);
-  EXPECT_TRUE(extracter.ExtractFontTable());
-  EXPECT_EQ(readFile(dirs.out("Ftable")), "table");
-}
-
-TEST(DefaultFontInfoFileExtracter, NamesCannotLeaveTheFolderAndFoldersAreNotMade) {
-  Dirs dirs;
-  writePackage(dirs.package, {{"../escaped", "x"}, {"Fdata/../../escaped", "x"},
-                              {"sf_../../escaped", "x"}, {"sf_..\\escaped", "x"},
-                              {"/tmp/escaped", "x"}, {"sf_..", "dots"}, {"Fdata/7", "seven"}});
-  DefaultFontInfoFileExtracter extracter(dirs.data, dirs.package);
-  for (const char* name : {"../escaped", "Fdata/../../escaped", "/tmp/escaped"}) {
-    EXPECT_FALSE(extracter.Extract(name)) << name;
-  }
-  EXPECT_FALSE(extracter.ExtractScriptDefaultFontsList("../../escaped"));
-  EXPECT_FALSE(extracter.ExtractScriptDefaultFontsList("..\\escaped"));
-  EXPECT_FALSE(extracter.ExtractScriptDefaultFontsList(nullptr));
-  EXPECT_FALSE(exists(dirs.data + "escaped"));
-  EXPECT_FALSE(exists(dirs.data + "FInfo/escaped"));
-  EXPECT_FALSE(exists(dirs.data + "FInfo/sf_..\\escaped"));
-  // Dots inside a name are just part of it.
-  EXPECT_TRUE(extracter.ExtractScriptDefaultFontsList(".."));
-  EXPECT_EQ(readFile(dirs.out("sf_..")), "dots");
-  // A missing Fdata folder is not created.
-  rmdir((dirs.data + "FInfo/Fdata").c_str());
-  extracter.ExtractFontInfoData(7);
-  EXPECT_FALSE(exists(dirs.out("Fdata")));
-}
-
-TEST(DefaultFontInfoFileExtracter, ReloadReadsTheReplacedPackage) {
-  Dirs dirs;
-  writePackage(dirs.package, {{"fc", "first\n"}});
-  DefaultFontInfoFileExtracter extracter(dirs.data, dirs.package);
-  ASSERT_TRUE(extracter.ExtractFontChain());
-  std::string staged = dirs.temp.path() + "/staged";
-  mkdir(staged.c_str(), 0775);
-  writePackage(staged, {{"fc", "second\n"}, {"df", "Arial\n"}});
-  ASSERT_EQ(std::rename((staged + "/qrfont.zip").c_str(), (dirs.package + "qrfont.zip").c_str()),
-            0);
-  EXPECT_FALSE(extracter.ExtractDefaultFontsList());  // the old list has no "df"
-  kelfont_test::LogCapture log;
-  extracter.Reload();
-  EXPECT_EQ(log.lines().size(), 1u);  // the old package was closed
-  EXPECT_TRUE(extracter.ExtractFontChain());
-  EXPECT_EQ(readFile(dirs.out("fc")), "second\n");
-  EXPECT_TRUE(extracter.ExtractDefaultFontsList());
-  EXPECT_EQ(readFile(dirs.out("df")), "Arial\n");
 }
 
 TEST(DefaultFontInfoFileExtracter, DataDirectoryComesFromTheEnvironment) {
-  Dirs dirs;
-  writePackage(dirs.package, {{"sf", "0\nArial\n"}});
+  kelfont_test::TempDir temp;
+  const std::string data = temp.path() + "/";
+  mkdir((data + "FInfo").c_str(), 0775);
+  writePackage(temp.path(), "sf=0\nArial\n;x=y");
   qro_base::Environment& environment = qro_base::ensureEnvironment();
   const std::string* saved = environment.GetFileStoragePath();
   std::string* previous = saved != nullptr ? new std::string(*saved) : nullptr;
-  environment.SetFileStoragePath(new std::string(dirs.data));
-  EXPECT_TRUE(DefaultFontInfoFileExtracter(dirs.package).ExtractScriptDefaultFontsList());
+  environment.SetFileStoragePath(new std::string(data));
+  EXPECT_TRUE(DefaultFontInfoFileExtracter(temp.path() + "/").ExtractScriptDefaultFontsList());
   environment.SetFileStoragePath(previous);
-  EXPECT_EQ(readFile(dirs.out("sf")), "0\nArial\n");
+  EXPECT_EQ(readFile(data + "FInfo/sf"), "0\nArial\n");
 }
 
 }  // namespace

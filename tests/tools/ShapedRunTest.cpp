@@ -6,16 +6,15 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <cstdlib>
 #include <fstream>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "api/kelfont.h"
+#include "bench/LocaleWords.h"
 #include "common/font_info/FontInfo.h"
 #include "common/manager/RunMeasurer.h"
 #include "common/registry/FontTable.h"
@@ -30,67 +29,8 @@
 
 namespace {
 
+using kelfont_bench::localeWords;
 using qro_common::RunMeasure;
-
-std::u16string utf16(const std::u32string& codes) {
-  std::u16string out;
-  for (char32_t c : codes) {
-    if (c >= 0x10000) {
-      out += static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
-      out += static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
-    } else {
-      out += static_cast<char16_t>(c);
-    }
-  }
-  return out;
-}
-
-std::u32string utf32(const std::string& utf8) {
-  std::u32string out;
-  for (std::size_t i = 0; i < utf8.size();) {
-    const unsigned char b = static_cast<unsigned char>(utf8[i]);
-    const int n = b < 0x80 ? 1 : b < 0xE0 ? 2 : b < 0xF0 ? 3 : 4;
-    char32_t c = n == 1 ? b : b & (0x7F >> n);
-    for (int k = 1; k < n; ++k) c = (c << 6) | (static_cast<unsigned char>(utf8[i + k]) & 0x3F);
-    out += c;
-    i += static_cast<std::size_t>(n);
-  }
-  return out;
-}
-
-// The words of the day and month names of a glibc locale source.
-std::vector<std::u16string> localeWords(const std::string& name) {
-  std::ifstream in("/usr/share/i18n/locales/" + name);
-  std::vector<std::u16string> words;
-  bool inList = false;
-  for (std::string line; std::getline(in, line);) {
-    std::istringstream fields(line);
-    std::string key;
-    fields >> key;
-    if (!inList && key != "day" && key != "abday" && key != "mon" && key != "abmon") continue;
-    inList = !line.empty() && line.back() == '/';
-    std::u32string word;
-    bool quoted = false;
-    for (std::size_t i = line.find('"'); i < line.size(); ++i) {
-      if (line[i] == '"' || (quoted && line[i] == ' ')) {
-        if (!word.empty()) words.push_back(utf16(word));
-        word.clear();
-        if (line[i] == '"') quoted = !quoted;
-      } else if (quoted && line.compare(i, 2, "<U") == 0) {
-        word += static_cast<char32_t>(std::strtoul(line.c_str() + i + 2, nullptr, 16));
-        i = line.find('>', i);
-      } else if (quoted) {
-        word += static_cast<unsigned char>(line[i]);
-      }
-    }
-  }
-  return words;
-}
-
-std::string trim(const std::string& s) {
-  const std::size_t b = s.find_first_not_of(' '), e = s.find_last_not_of(' ');
-  return b == std::string::npos ? "" : s.substr(b, e - b + 1);
-}
 
 class ShapedRun : public ::testing::Test {
  protected:
@@ -228,32 +168,27 @@ kelfont_tool::ToolFontManager* ShapedRun::manager_ = nullptr;
 TEST_F(ShapedRun, DataLinesMatchHarfBuzzAndThePerCharacterPath) {
   std::ifstream in(std::string(KELFONT_TEST_SOURCE_DIR) + "/data/shaped_runs.txt");
   ASSERT_TRUE(in.good());
-  int lines = 0;
   for (std::string line; std::getline(in, line);) {
     if (line.empty() || line[0] == '#') continue;
-    ++lines;
+    // KIND FONT | [SHOWN |] locale NAME, codes HEX... or HEX...
     std::istringstream parts(line);
     std::string kind, fontName, shownBy, source;
     parts >> kind;
     std::getline(parts, fontName, '|');
     if (kind == "single") std::getline(parts, shownBy, '|');
     parts >> source;
-    std::string rest;
-    std::getline(parts, rest);
-    const int font = manager_->GetFontIndex(trim(fontName));
+    const int font = manager_->GetFontIndex(fontName.substr(1, fontName.size() - 2));
     ASSERT_GE(font, 0) << line;
     std::vector<std::u16string> runs;
     if (source == "locale") {
-      runs = localeWords(trim(rest));
+      parts >> source;
+      runs = localeWords(source);
       EXPECT_GE(runs.size(), 12u) << line;
-    } else if (source == "text") {
-      runs.push_back(utf16(utf32(trim(rest))));
     } else {
-      std::istringstream hex(source == "codes" ? rest : source + rest);
       std::u32string codes;
-      for (std::string code; hex >> code;)
-        codes += static_cast<char32_t>(std::stoul(code, nullptr, 16));
-      runs.push_back(utf16(codes));
+      if (source != "codes") codes += char32_t(std::stoul(source, nullptr, 16));
+      for (std::string code; parts >> code;) codes += char32_t(std::stoul(code, nullptr, 16));
+      runs.push_back(kelfont_bench::utf16(codes));
     }
     for (const std::u16string& run : runs) {
       const RunMeasure m = measure(font, run);
@@ -267,11 +202,10 @@ TEST_F(ShapedRun, DataLinesMatchHarfBuzzAndThePerCharacterPath) {
         std::vector<std::uint8_t> one(run.size(), 0);
         one[0] = 1;
         EXPECT_EQ(m.clusterStarts, one) << what;
-        EXPECT_EQ(manager_->GetFontName(m.fonts[0]), trim(shownBy)) << what;
+        EXPECT_EQ(" " + manager_->GetFontName(m.fonts[0]) + " ", shownBy) << what;
       }
     }
   }
-  EXPECT_GT(lines, 0);
 }
 
 // Unpaired surrogates count as U+FFFD; a lone joiner, 10,000 marks on one

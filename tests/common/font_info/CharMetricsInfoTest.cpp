@@ -1,154 +1,193 @@
+// A face's advance table driven by the steps of tests/data/advance_tables.tsv.
 #include <gtest/gtest.h>
 
+#include <iterator>
+#include <map>
+#include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
+#include "common/analysis/FontUSBType.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/MultiCharMetricsRange.h"
 #include "common/font_info/SingleCharMetricsRange.h"
 #include "common/font_info/ZippedCharMetricsRange.h"
 #include "tests/common/font_info/ByteSink.h"
 #include "tests/common/font_info/TableBuilders.h"
+#include "tests/support/Cases.h"
 
 namespace {
 
-using font_info_test::addAdvance;
+using namespace qro_common;
 using font_info_test::ByteSink;
-using font_info_test::hex;
-using font_info_test::source;
-using font_info_test::zeros;
-using qro_common::CharMetrics;
-using qro_common::CharMetricsInfo;
-using qro_common::CharMetricsRange;
-using qro_common::MultiCharMetricsRange;
-using qro_common::SingleCharMetricsRange;
-using qro_common::ZippedCharMetricsRange;
 
-// What a hostile file can do: ranges in the surrogate and reserved slots, a
-// CJK range in the Basic Latin slot, a multi range in a single-range slot, a
-// zipped range elsewhere.
-TEST(CharMetricsInfo, RangesInTheWrongSlotAnswerNothing) {
-  CharMetricsInfo info;
-  auto* surrogates = new SingleCharMetricsRange(0xD800, 0xDFFF);
-  surrogates->SetAdvance(0xD800, 1);
-  info.SetCharMetricsRange(57, surrogates);
-  EXPECT_FALSE(addAdvance(info, 0xDC00, 1));
-  EXPECT_EQ(info.GetCharMetrics(0xD800), nullptr);
-  for (unsigned char bit = 123; bit <= 126; ++bit) {
-    auto* range = new SingleCharMetricsRange(0x1F0A0, 0x1F6FF);
-    range->SetAdvance(0x1F600, 1);
-    info.SetCharMetricsRange(bit, range);
-  }
-  EXPECT_EQ(info.GetCharMetrics(0x1F600), nullptr);
-  auto* cjk = new SingleCharMetricsRange(0x4E00, 0x4E10);
-  cjk->SetAdvance(0x4E00, 1);
-  info.SetCharMetricsRange(0, cjk);
-  EXPECT_EQ(info.GetCharMetrics(0x41), nullptr);
-  EXPECT_FALSE(info.IsVisibleChar(0x7F));
-  info.SetCharMetricsRange(1, new MultiCharMetricsRange(2));
-  EXPECT_EQ(info.GetCharMetrics(0xE9), nullptr);
-  info.SetCharMetricsRange(
-      2, new ZippedCharMetricsRange(0x3000, 0x303F, new CharMetrics(9), new char[8]()));
-  EXPECT_EQ(info.GetCharMetrics(0x100), nullptr);
-  EXPECT_FALSE(info.IsVisibleChar(0x100));
+unsigned hexNumber(const std::string& text) {
+  return static_cast<unsigned>(std::stoul(text, nullptr, 16));
 }
 
-TEST(CharMetricsInfo, ZipReplacesUniformRangesOnly) {
-  CharMetricsInfo info;
-  addAdvance(info, 0x30, 1000);
-  addAdvance(info, 0x39, 1000);
-  addAdvance(info, 0xE9, 600);    // bit 1: a single entry stays single
-  addAdvance(info, 0x0250, 500);  // bit 4 block 0: uniform
-  addAdvance(info, 0x0251, 500);
-  addAdvance(info, 0x1D00, 1);  // bit 4 block 1: mixed
-  addAdvance(info, 0x1D01, 2);
-  info.ZipCharMetricsRanges();
-  ASSERT_EQ(info.GetCharMetricsRange(0)->GetType(), CharMetricsRange::kZipped);
-  EXPECT_EQ(info.GetCharMetricsRange(1)->GetType(), CharMetricsRange::kSingle);
-  auto* multi = static_cast<MultiCharMetricsRange*>(info.GetCharMetricsRange(4));
-  EXPECT_EQ(multi->GetCharMetricsRange(0)->GetType(), CharMetricsRange::kZipped);
-  EXPECT_EQ(multi->GetCharMetricsRange(1)->GetType(), CharMetricsRange::kSingle);
-  // The shared advance also for unmapped codes, which stay invisible.
-  EXPECT_EQ(info.GetCharMetrics(0x41)->GetAdvance(), 1000);
-  EXPECT_FALSE(info.IsVisibleChar(0x41));
-  EXPECT_TRUE(info.IsVisibleChar(0x39));
-  EXPECT_EQ(info.GetCharMetrics(0x0252)->GetAdvance(), 500);
-  EXPECT_EQ(info.GetCharMetrics(0x1D01)->GetAdvance(), 2);
-  EXPECT_EQ(info.GetCharMetrics(0x1D02), nullptr);
+std::string hexBytes(const std::string& bytes) {
+  std::string out;
+  char digits[4];
+  for (unsigned char b : bytes) {
+    snprintf(digits, sizeof digits, "%02X", b);
+    out += digits;
+  }
+  return out;
 }
 
-// Golden bytes and damaged bodies: tests/data/byte_formats.tsv.
-TEST(CharMetricsInfo, ReadReplacesWhatWasThere) {
-  CharMetricsInfo info;
-  addAdvance(info, 0x41, 1);
-  EXPECT_THROW(info.GetCharMetricsRange(128), std::out_of_range);
-  std::string bytes = hex("05") + hex("01 80000000 FF000000 0100 4100 0700") + zeros(126);
-  auto in = source(bytes);
-  ASSERT_TRUE(info.Read(in));
-  EXPECT_EQ(info.GetCharMetrics(0x41), nullptr);
-  EXPECT_EQ(in.Available(), 0u);
+using Model = std::map<unsigned, unsigned short>;  // every advance added and not cleared
+
+// The single range holding a code, its first and last code.
+SingleCharMetricsRange* singleOf(CharMetricsInfo& info, unsigned code, int* first, int* last) {
+  FontUSBType::CodePointUSBInfo usb{};
+  const int bit = FontUSBType::GetCodePointUSBInfo(code, usb);
+  CharMetricsRange* range = info.GetCharMetricsRange(static_cast<unsigned char>(bit));
+  if (range != nullptr && usb.subRangeIndex >= 0) {
+    range = static_cast<MultiCharMetricsRange*>(range)->GetCharMetricsRange(usb.subRangeIndex);
+  }
+  *first = usb.rangeFirst;
+  *last = usb.rangeLast;
+  return static_cast<SingleCharMetricsRange*>(range);
 }
 
-TEST(CharMetricsInfo, RoundTripOfEveryKind) {
-  CharMetricsInfo info;
-  for (unsigned code = 0x20; code < 0x7F; ++code) {
-    addAdvance(info, code, static_cast<unsigned short>(code));
-  }
-  addAdvance(info, 0x3041, 1000);  // bit 49, will be zipped
-  addAdvance(info, 0x3093, 1000);
-  addAdvance(info, 0xAC00, 920);  // bit 56, multi
-  addAdvance(info, 0xD7B0, 700);
-  addAdvance(info, 0x2F800, 1024);  // bit 61, block 2, outside the BMP
-  addAdvance(info, 0x1F0A0, 1);     // bit 127
-  info.ZipCharMetricsRanges();
-  ByteSink out;
-  ASSERT_TRUE(info.Write(out));
-  auto in = source(out.bytes);
-  CharMetricsInfo copy;
-  ASSERT_TRUE(copy.Read(in));
-  EXPECT_EQ(in.Available(), 0u);
-  // Each kind of slot is looked up by the code's bit and block.
-  const unsigned cases[][2] = {{0x41, 0x41},  {0x7E, 0x7E},    {0x3093, 1000}, {0xAC00, 920},
-                               {0xD7B0, 700}, {0x2F800, 1024}, {0x1F0A0, 1}};
-  for (const auto& c : cases) {
-    ASSERT_NE(copy.GetCharMetrics(c[0]), nullptr) << std::hex << c[0];
-    EXPECT_EQ(copy.GetCharMetrics(c[0])->GetAdvance(), c[1]) << std::hex << c[0];
-    EXPECT_TRUE(copy.IsVisibleChar(c[0])) << std::hex << c[0];
-  }
-  for (unsigned code : {0x7Fu, 0xAC01u, 0x2F801u, 0x0860u, 0xFFFFFFFFu}) {
-    EXPECT_EQ(copy.GetCharMetrics(code), nullptr) << std::hex << code;
-  }
-  // A zipped range: the shared advance for every code, visible or not.
-  EXPECT_EQ(copy.GetCharMetricsRange(49)->GetType(), CharMetricsRange::kZipped);
-  EXPECT_EQ(copy.GetCharMetrics(0x3042)->GetAdvance(), 1000);
-  EXPECT_FALSE(copy.IsVisibleChar(0x3042));
-}
-
-TEST(CharMetricsInfo, EveryTruncationIsDamage) {
-  CharMetricsInfo info;
-  addAdvance(info, 0x41, 1366);
-  addAdvance(info, 0xE9, 500);
-  addAdvance(info, 0xE8, 500);
-  addAdvance(info, 0xAC00, 920);
-  info.ZipCharMetricsRanges();
-  ByteSink out;
-  ASSERT_TRUE(info.Write(out));
-  for (size_t cut = 0; cut < out.bytes.size(); ++cut) {
-    std::string part = out.bytes.substr(0, cut);
-    auto in = source(part);
-    CharMetricsInfo copy;
-    ASSERT_EQ(copy.ReadChecked(in), CharMetricsInfo::ReadResult::kDamaged) << cut;
-    for (unsigned char usb = 0; usb < 128; ++usb) {
-      ASSERT_EQ(copy.GetCharMetricsRange(usb), nullptr);
+// Every code of the code's block answers as the model does, and the range's
+// bytes list exactly the model's entries, in order; they read back the same.
+std::string sameAsModel(CharMetricsInfo& info, unsigned code, const Model& model) {
+  int first = 0, last = 0;
+  SingleCharMetricsRange* range = singleOf(info, code, &first, &last);
+  std::string body(1, '\x01');
+  auto put = [&body](unsigned value, int size) {
+    for (int i = 0; i < size; ++i) body.push_back(static_cast<char>((value >> (8 * i)) & 0xFF));
+  };
+  put(static_cast<unsigned>(first), 4);
+  put(static_cast<unsigned>(last), 4);
+  auto begin = model.lower_bound(static_cast<unsigned>(first));
+  auto end = model.upper_bound(static_cast<unsigned>(last));
+  put(static_cast<unsigned>(std::distance(begin, end)), 2);
+  for (auto it = begin; it != end; ++it) put(it->first - first, 2), put(it->second, 2);
+  for (unsigned c = static_cast<unsigned>(first); c <= static_cast<unsigned>(last); ++c) {
+    const CharMetrics* m = range->Get(c);
+    const bool modelled = model.count(c) != 0;
+    if ((m != nullptr) != modelled || range->IsVisibleChar(c) != modelled ||
+        (m != nullptr && m->GetAdvance() != model.at(c))) {
+      return "differs at " + std::to_string(c);
     }
   }
+  ByteSink out, again;
+  if (range->GetPresentCount() != std::distance(begin, end) || !range->Write(out)) return "count";
+  if (out.bytes != body) return hexBytes(out.bytes);
+  std::string read = out.bytes.substr(1);
+  auto in = font_info_test::source(read);
+  SingleCharMetricsRange copy(-1, -1);
+  return copy.Read(in) && copy.Write(again) && again.bytes == body ? "." : "reread";
 }
 
-TEST(CharMetricsInfo, WriteReportsARefusingStream) {
-  CharMetricsInfo info;
-  addAdvance(info, 0x41, 1);
-  ByteSink out(5);
-  EXPECT_FALSE(info.Write(out));
+std::string step(std::unique_ptr<CharMetricsInfo>& info, const std::string& s, Model& model) {
+  std::vector<std::string> a;
+  std::istringstream parts(s.substr(1));
+  for (std::string part; std::getline(parts, part, ',');) a.push_back(part);
+  auto slot = [&](size_t i) { return static_cast<unsigned char>(std::stoi(a[i])); };
+  auto type = [](const CharMetricsRange* r) {
+    return !r                                          ? "-"
+           : r->GetType() == CharMetricsRange::kSingle ? "S"
+           : r->GetType() == CharMetricsRange::kZipped ? "Z"
+                                                       : "M";
+  };
+  if (s.find('=') != std::string::npos && isxdigit(static_cast<unsigned char>(s[0]))) {
+    const size_t dash = s.find('-'), eq = s.find('=');
+    const unsigned first = hexNumber(s), last = dash < eq ? hexNumber(s.substr(dash + 1)) : first;
+    bool added = true;
+    for (unsigned code = first; code <= last; ++code) {
+      const std::string value = s.substr(eq + 1);
+      const auto advance = static_cast<unsigned short>(value == "*" ? code : std::stoi(value));
+      if (font_info_test::addAdvance(*info, code, advance)) {
+        model[code] = advance;
+      } else {
+        added = false;
+      }
+    }
+    return added ? "." : "refused";
+  }
+  const char op = s[0];
+  int first = 0, last = 0;
+  if (op == '!') return sameAsModel(*info, hexNumber(a[0]), model);
+  if (op == '-') singleOf(*info, hexNumber(a[0]), &first, &last)->Set(hexNumber(a[0]), nullptr);
+  if (op == '-') return model.erase(hexNumber(a[0])) ? "." : "none";
+  const unsigned code = op == '?' ? hexNumber(a[0]) : 0;
+  if (op == '?') {
+    const CharMetrics* m = info->GetCharMetrics(code);
+    return (m ? std::to_string(m->GetAdvance()) : "-") + (info->IsVisibleChar(code) ? "v" : "");
+  }
+  const CharMetricsRange* range = nullptr;
+  if (op == 't' || op == 'b') {  // the slot's range (sub-range)
+    try {
+      range = info->GetCharMetricsRange(slot(0));
+    } catch (const std::out_of_range&) {
+      return "throw";
+    }
+    if (a.size() > 1) {
+      range =
+          static_cast<const MultiCharMetricsRange*>(range)->GetCharMetricsRange(std::stoi(a[1]));
+    }
+  }
+  if (op == 't') return type(range);
+  ByteSink out(op == 'l' ? std::stoul(a[0]) : std::string::npos);
+  if (op == 'b') return range->Write(out) ? hexBytes(out.bytes) : "refused";
+  if (op == 'l') return std::to_string(info->Write(out));  // into a stream refusing past N bytes
+  if (op == 'w') {  // written and read back into a new table; every cut of the bytes is damage
+    if (!info->Write(out)) return "refused";
+    for (size_t cut = 0; cut < out.bytes.size(); ++cut) {
+      std::string part = out.bytes.substr(0, cut);
+      auto in = font_info_test::source(part);
+      CharMetricsInfo copy;
+      if (copy.ReadChecked(in) != CharMetricsInfo::ReadResult::kDamaged)
+        return "read " + std::to_string(cut);
+      for (int usb = 0; usb < 128; ++usb) {
+        if (copy.GetCharMetricsRange(static_cast<unsigned char>(usb)))
+          return "left " + std::to_string(cut);
+      }
+    }
+    auto in = font_info_test::source(out.bytes);
+    info.reset(new CharMetricsInfo());
+    return info->Read(in) && in.Available() == 0 ? "." : "unread";
+  }
+  if (op == 'r') {  // reads these bytes over what the table holds
+    std::string bytes = kelfont_test::unhex(a[0]);
+    auto in = font_info_test::source(bytes);
+    const bool read = info->Read(in);
+    return std::to_string(read) + std::to_string(in.Available());
+  }
+  if (op == 's' || op == 'Z') {
+    first = static_cast<int>(hexNumber(a[1]));
+    last = static_cast<int>(hexNumber(a[2]));
+  }
+  if (op == 's') {  // a single range FIRST-LAST with CODE=ADVANCE in a slot
+    auto* single = new SingleCharMetricsRange(first, last);
+    single->SetAdvance(hexNumber(a[3]), static_cast<unsigned short>(std::stoi(a[4])));
+    info->SetCharMetricsRange(slot(0), single);
+  }
+  if (op == 'Z') {  // a zipped range FIRST-LAST sharing ADVANCE, no code visible
+    auto* shared = new CharMetrics(static_cast<unsigned short>(std::stoi(a[3])));
+    info->SetCharMetricsRange(
+        slot(0),
+        new ZippedCharMetricsRange(first, last, shared, new char[(last - first) / 8 + 1]()));
+  }
+  if (op == 'm') info->SetCharMetricsRange(slot(0), new MultiCharMetricsRange(std::stoi(a[1])));
+  if (op == 'z') info->ZipCharMetricsRanges();
+  return std::string("sZmz").find(op) != std::string::npos ? "." : "unknown step " + s;
+}
+
+TEST(CharMetricsInfo, Steps) {
+  for (const kelfont_test::Case& c : kelfont_test::cases("advance_tables.tsv")) {
+    std::unique_ptr<CharMetricsInfo> info(new CharMetricsInfo());
+    Model model;
+    std::istringstream steps(c[0]);
+    std::string said;
+    for (std::string s; steps >> s;) said += (said.empty() ? "" : " ") + step(info, s, model);
+    EXPECT_EQ(said, c[1]) << c.line;
+  }
 }
 
 }  // namespace

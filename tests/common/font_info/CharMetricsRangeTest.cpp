@@ -1,24 +1,19 @@
+// Ranges of advances; the table of ranges and the byte forms: tests/data/advance_tables.tsv,
+// tests/data/byte_formats.tsv.
 #include <gtest/gtest.h>
 
-#include <map>
-#include <memory>
 #include <string>
 
 #include "common/font_info/MultiCharMetricsRange.h"
 #include "common/font_info/SingleCharMetricsRange.h"
-#include "common/font_info/ZippedCharMetricsRange.h"
 #include "tests/common/font_info/ByteSink.h"
 
 namespace {
 
 using font_info_test::ByteSink;
-using font_info_test::hex;
-using font_info_test::source;
 using qro_common::CharMetrics;
-using qro_common::CharMetricsRange;
 using qro_common::MultiCharMetricsRange;
 using qro_common::SingleCharMetricsRange;
-using qro_common::ZippedCharMetricsRange;
 
 TEST(SingleCharMetricsRange, EntriesInsideTheRangeOnly) {
   SingleCharMetricsRange range(0x100, 0x17F);
@@ -47,45 +42,6 @@ TEST(SingleCharMetricsRange, EntriesInsideTheRangeOnly) {
   EXPECT_EQ(SingleCharMetricsRange(0x100000, 0x10FFFD).GetSize(), 65534);  // the largest block
 }
 
-TEST(SingleCharMetricsRange, VisibleBitsAndZipCheck) {
-  SingleCharMetricsRange range(0x30, 0x40);  // 17 codes: 3 bytes
-  EXPECT_EQ(range.CheckZipCharMetrics(), nullptr);
-  range.SetAdvance(0x30, 1000);
-  EXPECT_EQ(range.CheckZipCharMetrics(), nullptr);  // needs two equal advances
-  range.SetAdvance(0x39, 1000);
-  range.SetAdvance(0x3F, 1000);
-  std::unique_ptr<CharMetrics> shared(range.CheckZipCharMetrics());
-  ASSERT_NE(shared, nullptr);
-  EXPECT_EQ(shared->GetAdvance(), 1000);
-  range.SetAdvance(0x40, 999);
-  EXPECT_EQ(range.CheckZipCharMetrics(), nullptr);
-  std::unique_ptr<char[]> bits(range.MakeVisibleCharInfo());
-  EXPECT_EQ(std::string(bits.get(), 3), hex("01 82 01"));
-}
-
-TEST(ZippedCharMetricsRange, GoldenBytesAndTheSharedAdvanceForEveryCode) {
-  SingleCharMetricsRange single(0x80, 0xFF);
-  single.SetAdvance(0xA0, 250);
-  single.SetAdvance(0xFF, 250);
-  ZippedCharMetricsRange range(0x80, 0xFF, single.CheckZipCharMetrics(),
-                               single.MakeVisibleCharInfo());
-  ByteSink out;
-  ASSERT_TRUE(range.Write(out));
-  EXPECT_EQ(out.bytes, hex("03 80000000 FF000000"
-                           "00000000 01000000 00000000 00000080"
-                           "FA00"));
-  std::string body = out.bytes.substr(1);
-  auto in = source(body);
-  ZippedCharMetricsRange copy;
-  ASSERT_TRUE(copy.Read(in));
-  for (unsigned code = 0x80; code <= 0xFF; ++code) {
-    EXPECT_EQ(copy.IsVisibleChar(code), code == 0xA0 || code == 0xFF) << code;
-    EXPECT_EQ(copy.Get(code)->GetAdvance(), 250);
-  }
-  EXPECT_EQ(copy.Get(0x7F), nullptr);
-  EXPECT_FALSE(copy.IsVisibleChar(0x100));
-}
-
 TEST(MultiCharMetricsRange, DelegatesToTheBlockOfTheCode) {
   MultiCharMetricsRange range(1);  // one slot of the three blocks of bit 56
   auto* jamo = new SingleCharMetricsRange(0xA960, 0xA97C);
@@ -101,102 +57,6 @@ TEST(MultiCharMetricsRange, DelegatesToTheBlockOfTheCode) {
   range.SetCharMetricsRange(7, new SingleCharMetricsRange(0, 1));  // no such slot
   EXPECT_EQ(range.GetCharMetricsRange(7), nullptr);
   EXPECT_EQ(range.GetCharMetricsRange(-1), nullptr);
-}
-
-TEST(MultiCharMetricsRange, RoundTripWithSingleAndZippedBlocks) {
-  MultiCharMetricsRange range(3);  // bit 56
-  auto* syllables = new SingleCharMetricsRange(0xAC00, 0xD7AF);
-  syllables->SetAdvance(0xAC00, 920);
-  syllables->SetAdvance(0xD7A3, 921);
-  range.SetCharMetricsRange(1, syllables);
-  char* bits = new char[4]{0x03, 0x00, 0x00, 0x08};  // D7B0, D7B1, D7CB
-  range.SetCharMetricsRange(2,
-                            new ZippedCharMetricsRange(0xD7B0, 0xD7CF, new CharMetrics(500), bits));
-  ByteSink out;
-  ASSERT_TRUE(range.Write(out));
-  std::string body = out.bytes.substr(1);
-  auto in = source(body);
-  MultiCharMetricsRange copy(-1);
-  ASSERT_TRUE(copy.Read(in));
-  EXPECT_EQ(in.Available(), 0u);
-  EXPECT_EQ(copy.GetCount(), 3);
-  EXPECT_EQ(copy.GetCharMetricsRange(0), nullptr);
-  EXPECT_EQ(copy.GetCharMetricsRange(1)->GetType(), CharMetricsRange::kSingle);
-  EXPECT_EQ(copy.GetCharMetricsRange(2)->GetType(), CharMetricsRange::kZipped);
-  EXPECT_EQ(copy.Get(0xD7A3)->GetAdvance(), 921);
-  EXPECT_EQ(copy.Get(0xAC01), nullptr);
-  EXPECT_TRUE(copy.IsVisibleChar(0xD7CB));
-  EXPECT_FALSE(copy.IsVisibleChar(0xD7CC));
-  EXPECT_EQ(copy.Get(0xD7CC)->GetAdvance(), 500);
-}
-
-// The body the binary form prescribes for these present entries.
-std::string singleBody(int first, int last, const std::map<unsigned, unsigned short>& entries) {
-  std::string bytes(1, '\x01');
-  auto put = [&bytes](unsigned value, int size) {
-    for (int i = 0; i < size; ++i) bytes.push_back(static_cast<char>((value >> (8 * i)) & 0xFF));
-  };
-  put(static_cast<unsigned>(first), 4);
-  put(static_cast<unsigned>(last), 4);
-  put(static_cast<unsigned>(entries.size()), 2);
-  for (const auto& entry : entries) {
-    put(entry.first, 2);
-    put(entry.second, 2);
-  }
-  return bytes;
-}
-
-// Entries set in any order, changed and cleared, in a sparse block that
-// first holds one advance only: every code answers as a plain map of the
-// same entries would, and the written body lists exactly those entries.
-TEST(SingleCharMetricsRange, AnyOrderOfChangesKeepsTheEntries) {
-  const int first = 0x4E00;
-  const int last = 0x9FFF;
-  struct Step {
-    unsigned offset;
-    int advance;  // -1 clears
-  };
-  const Step steps[] = {
-      {0, 1000},     {64, 1000}, {200, 1000}, {130, 1000},   // out of order, one advance
-      {20991, 1000}, {5, 500},   {3, 1000},   {20000, 700},  // a second advance, then inserts
-      {64, 900},     {130, -1},  {0, -1},     {20991, -1},   // changes, clears of both ends
-      {7, 1000},     {20991, 1}, {200, -1},   {201, 2},
-      {20991, -1},   {20002, 5}, {20900, 6},  {20500, 7},  // appends, then one between
-  };
-  SingleCharMetricsRange range(first, last);
-  std::map<unsigned, unsigned short> model;
-  for (const Step& step : steps) {
-    const unsigned code = static_cast<unsigned>(first) + step.offset;
-    if (step.advance < 0) {
-      range.Set(code, nullptr);
-      model.erase(step.offset);
-    } else {
-      range.SetAdvance(code, static_cast<unsigned short>(step.advance));
-      model[step.offset] = static_cast<unsigned short>(step.advance);
-    }
-    const std::string at = "after offset " + std::to_string(step.offset);
-    ASSERT_EQ(range.GetPresentCount(), static_cast<int>(model.size())) << at;
-    for (unsigned offset = 0; offset <= static_cast<unsigned>(last - first); ++offset) {
-      auto it = model.find(offset);
-      const CharMetrics* metrics = range.Get(static_cast<unsigned>(first) + offset);
-      ASSERT_EQ(metrics != nullptr, it != model.end()) << at << ", code offset " << offset;
-      ASSERT_EQ(range.IsVisibleChar(static_cast<unsigned>(first) + offset), it != model.end());
-      if (metrics != nullptr) {
-        ASSERT_EQ(metrics->GetAdvance(), it->second) << at << ", " << offset;
-      }
-    }
-    ByteSink out;
-    ASSERT_TRUE(range.Write(out));
-    ASSERT_EQ(out.bytes, singleBody(first, last, model)) << at;
-    // What was written reads back the same.
-    std::string body = out.bytes.substr(1);
-    auto in = source(body);
-    SingleCharMetricsRange reread(-1, -1);
-    ASSERT_TRUE(reread.Read(in)) << at;
-    ByteSink again;
-    ASSERT_TRUE(reread.Write(again));
-    EXPECT_EQ(again.bytes, out.bytes) << at;
-  }
 }
 
 }  // namespace

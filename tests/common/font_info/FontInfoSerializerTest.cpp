@@ -1,89 +1,226 @@
-#include "common/font_info/FontInfoSerializer.h"
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <utime.h>
 
+#include <cstdio>
 #include <ctime>
-#include <map>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "common/font_info/CharMetricsInfo.h"
+#include "common/font_info/FontInfoSerializer.h"
 #include "common/font_info/KerningInfo.h"
 #include "common/font_info/SingleCharMetricsRange.h"
 #include "common/font_info/SingleDefaultFontRange.h"
 #include "tests/common/font_info/ByteSink.h"
 #include "tests/common/font_info/TableBuilders.h"
+#include "tests/support/Cases.h"
 #include "tests/support/TempDir.h"
 
 namespace {
 
 using font_info_test::addAdvance;
-using font_info_test::addDefaultFont;
 using font_info_test::hex;
 using font_info_test::zeros;
+using kelfont_test::Case;
+using kelfont_test::cases;
 using kelfont_test::readFile;
 using kelfont_test::TempDir;
 using kelfont_test::writeFile;
 using qro_common::CharMetricsInfo;
 using qro_common::DefaultFontInfo;
 using qro_common::FontInfo;
-using qro_common::SingleCharMetricsRange;
-using qro_common::SingleDefaultFontRange;
 using qro_common::FontInfoSerializer;
 using qro_common::KerningInfo;
-using qro_common::Panose;
-using qro_common::Sig;
+using Infos = std::vector<FontInfo*>;
+using Directories = std::vector<const std::string*>;
 
-// The three leading sections of a table written with no directories and
-// no default font indexes.
-const std::string kHeader =
-    "0016" "13" "Table Version 2.054\n"
-    "0003" "00\n"
-    "0010" "010" "010" "010" "010" "010" "\n";
+// The leading sections of a table with no directories and no default fonts:
+// version, directory times, default font indexes, each behind its length.
+const std::string kHeader = "001613Table Version 2.054\n000300\n0010010010010010010\n";
 
-// The record of fullInfo() as record 0.
-const std::string kFullRecord =
-    "0090"
-    "01" "0"                  // record number
-    "01" "1"                  // face index
-    "04" "1234"               // file size
-    "03" "Foo"
-    "0a" "Foo Family"
-    "00"                      // no style name
-    "1" "0" "1"               // persisted, vertical metrics, CJK
-    "15" "12" "211" "16" "14" "12" "12" "12" "12" "12" "14"
-    "1f" "b-2147483648" "11" "13" "10" "10" "a1073741824"
-    "11" "41000" "3800" "4-200" "290"
-    "0010" "01" "0c" "05" "en-US" "03" "Bar"
-    "000a" "/f/foo.ttf"
-    "\n";
+// The stored fields of a face as tests/data/font_records.tsv gives them.
+std::string describe(const FontInfo& info) {
+  std::ostringstream out;
+  auto text = [&](const char* key, const std::string* value) {
+    if (value != nullptr) out << key << '=' << *value << ';';
+  };
+  out << "index=" << info.GetInfoIndex() << ";face=" << int(info.GetFaceIndex())
+      << ";size=" << info.GetFileSize() << ';';
+  text("name", info.GetFontName());
+  text("family", info.GetFamilyName());
+  text("style", info.GetStyleName());
+  text("alt", info.GetAlternateName());
+  out << "flags=" << info.IsPersisted() << info.HasVerticalMetrics() << info.IsCJK() << ';';
+  if (const auto* panose = info.GetPanose()) {
+    out << "panose=";
+    for (int i = 0; i < 10; ++i) out << int(panose->Get(i)) << (i < 9 ? ',' : ';');
+  }
+  if (const auto* sig = info.GetSig()) {
+    out << "sig=";
+    for (int i = 1; i <= 4; ++i) out << sig->GetUnicodeRange(i) << ',';
+    out << sig->GetCodePageRange(1) << ',' << sig->GetCodePageRange(2) << ';';
+  }
+  if (const auto* m = info.GetFontMetrics()) {
+    out << "metrics=" << m->GetAscender() << ',' << m->GetDescender() << ',' << m->GetLineGap()
+        << ',' << m->GetUnitsPerEm() << ';';
+  }
+  for (const auto& [code, name] : info.GetLocalizedNames()) {
+    char key[8];
+    snprintf(key, sizeof key, "%04X", code);
+    out << key << '=' << name << ';';
+  }
+  text("path", info.GetFilePath());
+  std::string all = out.str();
+  return all.substr(0, all.size() - 1);
+}
 
-// An info with nothing but defaults, as record 1.
-const std::string kEmptyRecord =
-    "0021" "011" "010" "010" "00" "00" "00" "000" "00" "00" "00" "0000" "0000" "\n";
+class FontInfoSerializerTest : public testing::Test {
+ protected:
+  std::string Base() const { return dir_.path() + "/"; }
+  std::string Table() const { return dir_.file("FInfo/Ftable"); }
+  std::string Data(int index) const { return dir_.file("FInfo/Fdata/" + std::to_string(index)); }
+  static void deleteAll(Infos& list) {
+    for (FontInfo* info : list) delete info;
+    list.clear();
+  }
+  TempDir dir_;
+};
 
-std::unique_ptr<FontInfo> fullInfo() {
-  std::unique_ptr<FontInfo> info(new FontInfo());
-  info->SetFontName(new std::string("Foo"));
-  info->SetFamilyName(new std::string("Foo Family"));
-  info->SetAlternateName(new std::string("not stored"));
-  info->SetFaceIndex(1);
-  info->SetFileSize(1234);
-  info->SetPersisted(true);
-  info->SetCJK(true);
-  info->SetPitch(2);  // not stored
-  auto* panose = new Panose();
-  const unsigned char bytes[] = {2, 11, 6, 4, 2, 2, 2, 2, 2, 4};
-  for (int i = 0; i < Panose::kSize; ++i) panose->Set(i, bytes[i]);
-  info->SetPanose(panose);
-  info->SetSig(new Sig(3, 0, 0, 0x40000000, 0x80000000, 1));
-  info->SetFontMetrics(new qro_common::FontMetrics(800, -200, 90, 1000));
-  info->AddLocalizedName(0x0409, "Bar");
-  info->SetFilePath(new std::string("/f/foo.ttf"));
-  return info;
+// The lines of tests/data/font_records.tsv; the record lines, in order,
+// form one table, which reads back and writes again byte for byte.
+TEST_F(FontInfoSerializerTest, RecordLines) {
+  FontInfoSerializer serializer(Base());
+  std::vector<std::unique_ptr<FontInfo>> owned;
+  Infos table;
+  std::vector<std::string> fields;
+  std::string golden = kHeader;
+  for (const Case& c : cases("font_records.tsv")) {
+    SCOPED_TRACE(c.line);
+    std::string text = c[1], out;
+    if (c[0] == "version") {
+      EXPECT_EQ(serializer.CheckTableVersion(text), c.num(2) == 1);
+    }
+    if (c[0] == "u32") serializer.WriteUInt32(out, static_cast<unsigned>(c.num(1)));
+    if (c[0] == "size2") serializer.WriteSize2(out, static_cast<unsigned>(c.num(1)));
+    if (c[0] == "u32" || c[0] == "size2") {
+      EXPECT_EQ(out, c[2]);
+    }
+    if (c[0] == "int") {
+      const char* cursor = text.c_str();
+      EXPECT_EQ(serializer.ReadInt(&cursor, static_cast<int>(c.num(2))), c.num(3));
+      EXPECT_EQ(cursor, text.c_str() + c.num(2));
+    }
+    if (c[0] != "record" && c[0] != "read") continue;
+    owned.emplace_back(new FontInfo());
+    FontInfo& info = *owned.back();
+    EXPECT_EQ(serializer.Read(info, text) ? describe(info) : "rejected", c[2]);
+    if (c[0] == "record") {
+      info.SetAlternateName(new std::string("not stored"));
+      info.SetPitch(2);
+      serializer.Write(info, out, info.GetInfoIndex());
+      EXPECT_EQ(out, c[1]);
+      table.push_back(&info);
+      fields.push_back(c[2]);
+      char length[8];
+      snprintf(length, sizeof length, "%04zx", c[1].size());
+      golden += length + c[1];
+    }
+  }
+  // A number field longer than the number buffer: the cursor still moves.
+  std::string digits(400, '7'), many;
+  const char* cursor = digits.c_str();
+  serializer.ReadInt(&cursor, 400);
+  EXPECT_EQ(cursor, digits.c_str() + 400);
+  // Ten or more names: the count is written in hex and read as its
+  // decimal digits ("0a": none). The first entry is the lowest code's.
+  FontInfo ten, read;
+  for (int code : {0x0409, 0x0412, 0x0411, 0x0804, 0x0404, 0x0407, 0x040C, 0x0410, 0x0419, 0x0C0A})
+    ten.AddLocalizedName(code, "n");
+  serializer.Write(ten, many, 0);
+  EXPECT_NE(many.find("007a0a0a05zh-TW01n0a"), std::string::npos) << many;
+  ASSERT_TRUE(serializer.Read(read, many));
+  EXPECT_TRUE(read.GetLocalizedNames().empty());
+
+  Directories none;
+  ASSERT_TRUE(serializer.Write(table, none));
+  EXPECT_EQ(readFile(Table()), golden);
+  FontInfoSerializer reader(Base());
+  Infos list;
+  ASSERT_TRUE(reader.Read(list));
+  ASSERT_EQ(list.size(), table.size());
+  for (size_t i = 0; i < list.size(); ++i) EXPECT_EQ(describe(*list[i]), fields[i]);
+  EXPECT_EQ(*reader.GetDefaultFontIndexes(), std::vector<int>(5, 0));
+  FontInfoSerializer again(Base() + "again/");
+  ASSERT_TRUE(again.Write(list, none));
+  EXPECT_EQ(readFile(dir_.file("again/FInfo/Ftable")), golden);
+  deleteAll(list);
+
+  // Five default font indexes are kept; another version yields no records.
+  serializer.SetDefaultFontIndexes({3, -1, 70000, 2, 1, 99});
+  ASSERT_TRUE(serializer.Write(table, none));
+  FontInfoSerializer indexes(Base());
+  ASSERT_TRUE(indexes.Read(list));
+  EXPECT_EQ(*indexes.GetDefaultFontIndexes(), (std::vector<int>{3, -1, 70000, 2, 1}));
+  deleteAll(list);
+  std::string other = golden;
+  other[24] = '3';  // "Table Version 2.034"
+  ASSERT_TRUE(writeFile(Table(), other));
+  FontInfoSerializer stale(Base());
+  EXPECT_FALSE(stale.ReadHeader());
+  EXPECT_FALSE(stale.Read(list));
+  EXPECT_TRUE(list.empty());
+  EXPECT_FALSE(stale.IsVersionMatched());
+}
+
+// The lines of tests/data/font_data_files.tsv: what data files read as.
+TEST_F(FontInfoSerializerTest, DataFileLines) {
+  FontInfoSerializer serializer(Base());
+  for (const Case& c : cases("font_data_files.tsv")) {
+    SCOPED_TRACE(c.line);
+    std::remove(Data(9).c_str());
+    ASSERT_TRUE(c[0] == "none" || writeFile(Data(9), hex(c[0])));
+    FontInfo info;
+    info.SetInfoIndex(9);
+    auto* metrics = new CharMetricsInfo();
+    addAdvance(*metrics, 0x41, 7);
+    info.SetCharMetricsInfo(metrics);
+    info.SetKerningInfo(new KerningInfo());
+    info.GetKerningInfo()->Register(1, 2, 3);
+    std::string answer = serializer.ReadData(info) ? "" : "failed ";
+    std::istringstream words(c[1]);
+    for (std::string w; words >> w;) {
+      const CharMetricsInfo* now = info.GetCharMetricsInfo();
+      const size_t comma = w.find(',');
+      const auto* entry = now ? now->GetCharMetrics(std::stoul(w, nullptr, 16)) : nullptr;
+      std::string value = !now ? "x" : entry ? std::to_string(entry->GetAdvance()) : "-";
+      if (comma != std::string::npos) {
+        value = std::to_string(
+            info.GetKerningInfo()->GetDelta(std::stoi(w), std::stoi(w.substr(comma + 1))));
+      }
+      answer += w + "=" + value + " ";
+    }
+    EXPECT_EQ(answer, c[2] + " ");
+    if (c[3] == "same") {
+      std::remove(Data(9).c_str());
+      ASSERT_TRUE(serializer.WriteData(info));
+      EXPECT_EQ(kelfont_test::escape(readFile(Data(9))), kelfont_test::escape(hex(c[0])));
+    }
+  }
+  // No tables: no file; an advance table without entries: 128 empty slots.
+  FontInfo info;
+  info.SetInfoIndex(3);
+  EXPECT_TRUE(serializer.WriteData(info));
+  EXPECT_FALSE(serializer.IsDataFile(info));
+  info.SetCharMetricsInfo(new CharMetricsInfo());
+  EXPECT_TRUE(serializer.WriteData(info));
+  EXPECT_TRUE(serializer.IsDataFile(info));
+  EXPECT_EQ(readFile(Data(3)), zeros(128));
+  std::string path = "prefix:";
+  serializer.MakeFontInfoDataFilePath(info, path);
+  EXPECT_EQ(path, "prefix:" + Base() + "FInfo/Fdata/3");
 }
 
 // "%x %X" in the C locale, which the tests run in.
@@ -95,367 +232,138 @@ std::string directoryTime(time_t when) {
   return text;
 }
 
-void setModified(const std::string& path, time_t when) {
-  struct utimbuf times = {when, when};
-  ASSERT_EQ(utime(path.c_str(), &times), 0);
-}
-
-void deleteAll(std::vector<FontInfo*>& list) {
-  for (FontInfo* info : list) delete info;
-  list.clear();
-}
-
-class FontInfoSerializerTest : public testing::Test {
- protected:
-  std::string Base() const { return dir_.path() + "/"; }
-  std::string Table() const { return dir_.file("FInfo/Ftable"); }
-  std::string Data(int index) const { return dir_.file("FInfo/Fdata/" + std::to_string(index)); }
-
-  TempDir dir_;
-};
-
-// The table bytes of fullInfo() and an empty info. Read back and written
-// again, they give the same bytes: every stored field survives.
-TEST_F(FontInfoSerializerTest, TableGoldenBytesAndReadBack) {
-  FontInfoSerializer writer(Base());
-  auto full = fullInfo();
-  FontInfo blank;
-  std::vector<FontInfo*> written = {full.get(), &blank};
-  std::vector<const std::string*> directories;
-  ASSERT_TRUE(writer.Write(written, directories));
-  const std::string golden = kHeader + kFullRecord + kEmptyRecord;
-  EXPECT_EQ(readFile(Table()), golden);
-
-  FontInfoSerializer serializer(Base());
-  std::vector<FontInfo*> list;
-  ASSERT_TRUE(serializer.Read(list));
-  ASSERT_EQ(list.size(), 2u);
-  EXPECT_EQ(list[1]->GetInfoIndex(), 1);
-  EXPECT_EQ(list[0]->GetAlternateName(), nullptr);
-  EXPECT_EQ(list[0]->GetFontMetrics()->GetDescender(), -200);
-  EXPECT_EQ(*serializer.GetDefaultFontIndexes(), std::vector<int>(5, 0));
-  FontInfoSerializer again(Base() + "again/");
-  ASSERT_TRUE(again.Write(list, directories));
-  EXPECT_EQ(readFile(dir_.file("again/FInfo/Ftable")), golden);
-  deleteAll(list);
-}
-
-// Fields the golden record leaves empty read back too; five default font
-// indexes are kept.
-TEST_F(FontInfoSerializerTest, OtherFieldsAndTheDefaultIndexesReadBack) {
-  auto full = fullInfo();
-  full->SetStyleName(new std::string("Bold Italic"));
-  full->SetVerticalMetrics(true);
-  full->AddLocalizedName(0x0412, "\xEB\x8F\x8B\xEC\x9B\x80");
-  full->SetFileSize(-5);
-  std::vector<FontInfo*> list = {full.get()}, read;
-  std::vector<const std::string*> directories;
-  FontInfoSerializer writer(Base());
-  writer.SetDefaultFontIndexes({3, -1, 70000, 2, 1, 99});
-  ASSERT_TRUE(writer.Write(list, directories));
-  FontInfoSerializer reader(Base());
-  ASSERT_TRUE(reader.Read(read));
-  ASSERT_EQ(read.size(), 1u);
-  EXPECT_EQ(*read[0]->GetStyleName(), "Bold Italic");
-  EXPECT_TRUE(read[0]->HasVerticalMetrics());
-  EXPECT_EQ(read[0]->GetFileSize(), -5);
-  EXPECT_EQ(read[0]->GetLocalizedNames(), full->GetLocalizedNames());
-  EXPECT_EQ(*reader.GetDefaultFontIndexes(), (std::vector<int>{3, -1, 70000, 2, 1}));
-  deleteAll(read);
-}
-
-TEST_F(FontInfoSerializerTest, LocalizedNameQuirks) {
-  FontInfoSerializer serializer(Base());
-  // Ten or more entries: the count reads as its leading digits ("0a": 0).
-  FontInfo info;
-  info.SetFontName(new std::string("Many"));
-  for (int code : {0x0409, 0x0412, 0x0411, 0x0804, 0x0404, 0x0407, 0x040C, 0x0410, 0x0419, 0x0C0A}) {
-    info.AddLocalizedName(code, "n");
+TEST_F(FontInfoSerializerTest, DirectoryTimesAMissingDirectoryAndTwelveDirectories) {
+  std::vector<std::string> paths = {dir_.file("fonts1"), dir_.file("missing"), dir_.file("fonts3")};
+  for (int i = 0; i < 12; ++i) paths.push_back(dir_.file("d" + std::to_string(i)));
+  for (const std::string& path : paths) {
+    ASSERT_TRUE(path == paths[1] || mkdir(path.c_str(), 0755) == 0);
   }
-  std::string record;
-  serializer.Write(info, record, 0);
-  // Ten entries of 10 bytes, the first one (lowest code, 0x0404) zh-TW.
-  EXPECT_NE(record.find("007a" "0a" "0a" "05zh-TW" "01n" "0a"), std::string::npos) << record;
-  FontInfo read;
-  ASSERT_TRUE(serializer.Read(read, record));
-  EXPECT_TRUE(read.GetLocalizedNames().empty());
-  EXPECT_EQ(*read.GetFontName(), "Many");
-  // A language seen twice keeps its first name.
-  std::string twice = "010" "010" "010" "000000" "000" "000000"
-                      "001c" "02" "0b" "05en-US" "02AA" "0b" "05en-US" "02BB"
-                      "0000\n";
-  FontInfo first;
-  ASSERT_TRUE(serializer.Read(first, twice));
-  EXPECT_EQ(first.GetLocalizedNames(), (std::map<int, std::string>{{0x0409, "AA"}}));
-}
-
-TEST_F(FontInfoSerializerTest, VersionIsComparedOverTheStoredLengthOnly) {
-  FontInfoSerializer serializer(Base());
-  const std::pair<std::string, bool> cases[] = {
-      {"12Table Version 2.05\n", true}, {"00\n", true},
-      {"13Table Version 2.053\n", false}, {"14Table Version 2.054\n", false},
-      {"13Table", false}, {"1", false},
+  auto setModified = [](const std::string& path, time_t when) {
+    struct utimbuf times = {when, when};
+    ASSERT_EQ(utime(path.c_str(), &times), 0);
   };
-  for (const auto& c : cases) {
-    std::string section = c.first;
-    EXPECT_EQ(serializer.CheckTableVersion(section), c.second) << c.first;
-  }
-  // Another version yields no records.
-  std::string table = kHeader + kFullRecord;
-  table[24] = '3';  // "Table Version 2.034"
-  ASSERT_TRUE(writeFile(Table(), table));
-  FontInfoSerializer reader(Base());
-  EXPECT_FALSE(reader.ReadHeader());
-  std::vector<FontInfo*> list;
-  EXPECT_FALSE(reader.Read(list));
-  EXPECT_TRUE(list.empty());
-  EXPECT_FALSE(reader.IsVersionMatched());
-}
-
-TEST_F(FontInfoSerializerTest, DirectoryTimesAndAMissingDirectory) {
-  std::string one = dir_.file("fonts1");
-  std::string missing = dir_.file("missing");
-  std::string three = dir_.file("fonts3");
-  ASSERT_EQ(mkdir(one.c_str(), 0755), 0);
-  ASSERT_EQ(mkdir(three.c_str(), 0755), 0);
-  setModified(one, 1700000000);
-  setModified(three, 1600000000);
-  std::vector<const std::string*> directories = {&one, &missing, &three};
-  std::vector<FontInfo*> list;
-  {
-    FontInfoSerializer serializer(Base());
-    ASSERT_TRUE(serializer.Write(list, directories));
-  }
-  std::string t1 = directoryTime(1700000000);
-  std::string t3 = directoryTime(1600000000);
+  setModified(paths[0], 1700000000);
+  setModified(paths[2], 1600000000);
+  Directories three = {&paths[0], &paths[1], &paths[2]}, existing = {&paths[0], &paths[2]};
+  Directories twelve;
+  for (size_t i = 3; i < paths.size(); ++i) twelve.push_back(&paths[i]);
+  Infos list;
+  ASSERT_TRUE(FontInfoSerializer(Base()).Write(list, three));
+  const std::string t1 = directoryTime(1700000000), t3 = directoryTime(1600000000);
   ASSERT_EQ(t1.size(), 17u);
   EXPECT_EQ(readFile(Table()),
-            kHeader.substr(0, 26) + "0029" "03" "11" + t1 + "11" + t3 + "\n" + kHeader.substr(33));
-
+            kHeader.substr(0, 26) + "00290311" + t1 + "11" + t3 + "\n" + kHeader.substr(33));
   FontInfoSerializer serializer(Base());
   ASSERT_TRUE(serializer.ReadHeader());
   EXPECT_EQ(serializer.GetFontDirectoryTimes(), (std::vector<std::string>{t1, t3}));
-  EXPECT_TRUE(serializer.IsModified(directories));
-  std::vector<const std::string*> existing = {&one, &three};
+  EXPECT_TRUE(serializer.IsModified(three));
   EXPECT_FALSE(serializer.IsModified(existing));
-  setModified(three, 1600000060);
+  setModified(paths[2], 1600000060);
   EXPECT_TRUE(serializer.IsModified(existing));
-}
 
-TEST_F(FontInfoSerializerTest, TwelveDirectoriesAreCountedInHexAndReadAsZero) {
-  std::vector<std::string> paths;
-  for (int i = 0; i < 12; ++i) {
-    paths.push_back(dir_.file("d" + std::to_string(i)));
-    ASSERT_EQ(mkdir(paths.back().c_str(), 0755), 0);
-  }
-  std::vector<const std::string*> directories;
-  for (const std::string& path : paths) directories.push_back(&path);
-  std::vector<FontInfo*> list;
-  {
-    FontInfoSerializer serializer(Base());
-    ASSERT_TRUE(serializer.Write(list, directories));
-  }
-  std::string table = readFile(Table());
-  EXPECT_EQ(table.substr(26, 6), "00e7" "0c");  // 2 + 12 * 19 + 1 bytes
-  FontInfoSerializer serializer(Base());
-  ASSERT_TRUE(serializer.ReadHeader());
-  EXPECT_TRUE(serializer.GetFontDirectoryTimes().empty());
-  EXPECT_TRUE(serializer.IsModified(directories));
-}
-
-TEST_F(FontInfoSerializerTest, NumberFieldQuirks) {
-  FontInfoSerializer serializer(Base());
-  std::string text;
-  serializer.WriteUInt32(text, 0xFFFFFFFFu);  // the 32 bits printed signed
-  serializer.WriteSize2(text, 300);           // too long for two digits: written wider
-  EXPECT_EQ(text, "-1" "12c");
-  const char* cursor = text.c_str();
-  EXPECT_EQ(serializer.ReadInt(&cursor, 2), -1);
-  EXPECT_EQ(serializer.ReadInt(&cursor, 3), 12);  // leading digits only
-  // A length above the number buffer is clamped, and the cursor still moves.
-  std::string digits(400, '7');
-  cursor = digits.c_str();
-  serializer.ReadInt(&cursor, 400);
-  EXPECT_EQ(cursor, digits.c_str() + 400);
-}
-
-TEST_F(FontInfoSerializerTest, FieldsRunningPastTheirRecordOrBlockAreRejected) {
-  FontInfoSerializer serializer(Base());
-  FontInfo info;
-  for (std::string record : {std::string("010"), std::string("010011010ffFoo"),
-                             std::string("010011010000000000" "02" "9123456789" "00000000000000\n")}) {
-    EXPECT_FALSE(serializer.Read(info, record)) << record;
-  }
-  EXPECT_EQ(info.GetFontName(), nullptr);
-  EXPECT_EQ(info.GetPanose(), nullptr);
+  // Twelve directories are counted in hex ("0c") and read as none.
+  ASSERT_TRUE(FontInfoSerializer(Base()).Write(list, twelve));
+  EXPECT_EQ(readFile(Table()).substr(26, 6),
+            "00e70c");  // 2 + 12 * 19 + 1 bytes
+  FontInfoSerializer many(Base());
+  ASSERT_TRUE(many.ReadHeader());
+  EXPECT_TRUE(many.GetFontDirectoryTimes().empty());
+  EXPECT_TRUE(many.IsModified(twelve));
 }
 
 TEST_F(FontInfoSerializerTest, TruncatedTablesKeepTheRecordsThatParseAndGarbageGivesNone) {
-  FontInfoSerializer first(Base());
-  std::string table = kHeader + kFullRecord + kEmptyRecord;
-  size_t secondStart = kHeader.size() + kFullRecord.size();
+  FontInfoSerializer serializer(Base());
+  FontInfo full, blank;
+  std::string record = cases("font_records.tsv")[0][1];
+  ASSERT_TRUE(serializer.Read(full, record));
+  Infos two = {&full, &blank};
+  Directories none;
+  ASSERT_TRUE(serializer.Write(two, none));
+  const std::string table = readFile(Table());
+  const size_t secondStart = table.find("0021011");
+  ASSERT_NE(secondStart, std::string::npos);
   for (size_t cut = 1; cut <= table.size(); ++cut) {
     ASSERT_TRUE(writeFile(Table(), table.substr(0, cut)));
-    FontInfoSerializer serializer(Base());
-    std::vector<FontInfo*> list;
-    bool read = serializer.Read(list);
+    Infos list;
+    bool read = FontInfoSerializer(Base()).Read(list);
     size_t expected = cut < secondStart ? 0 : cut < table.size() ? 1 : 2;
     EXPECT_EQ(list.size(), expected) << cut;
     EXPECT_EQ(read, expected > 0) << cut;
     deleteAll(list);
   }
-  for (const std::string& garbage : {std::string(64, 'f'), kHeader + "ffff" + kFullRecord.substr(4),
-                                     std::string("0016" "ff" "Table Version 2.054\n")}) {
+  for (const std::string& garbage :
+       {std::string(64, 'f'), kHeader + "ffff" + table.substr(kHeader.size() + 4),
+        std::string("0016ffTable Version 2.054\n"), std::string()}) {
     ASSERT_TRUE(writeFile(Table(), garbage));
-    FontInfoSerializer serializer(Base());
+    FontInfoSerializer reader(Base());
+    EXPECT_TRUE(reader.IsTableExists());
     // What the caller's list already held does not count as read.
-    FontInfo held;
-    std::vector<FontInfo*> list{&held};
-    EXPECT_FALSE(serializer.Read(list));
+    Infos list{&blank};
+    EXPECT_FALSE(reader.Read(list));
     EXPECT_EQ(list.size(), 1u);
   }
 }
 
-TEST_F(FontInfoSerializerTest, WritesTheDataFileByteForByte) {
-  FontInfoSerializer serializer(Base());
-  FontInfo info;
-  info.SetInfoIndex(3);
-  auto* metrics = new CharMetricsInfo();
-  addAdvance(*metrics, 0x41, 1366);
-  addAdvance(*metrics, 0x20, 500);
-  info.SetCharMetricsInfo(metrics);
-  auto* kerning = new KerningInfo();
-  kerning->Register(65, 86, -120);
-  info.SetKerningInfo(kerning);
-  std::string path = "prefix:";
-  serializer.MakeFontInfoDataFilePath(info, path);
-  EXPECT_EQ(path, "prefix:" + Base() + "FInfo/Fdata/3");
-  EXPECT_FALSE(serializer.IsDataFile(info));
-  ASSERT_TRUE(serializer.WriteData(info));
-  EXPECT_TRUE(serializer.IsDataFile(info));
-  EXPECT_EQ(readFile(Data(3)), hex("01 00000000 7F000000 0200 2000 F401 4100 5605") + zeros(127) +
-                                   hex("01000000 41000000 56000000 88FF"));
-  // A file without a kerning part leaves the kerning alone.
-  ASSERT_TRUE(writeFile(Data(3), hex("01 00000000 7F000000 0100 4100 0100") + zeros(127)));
-  ASSERT_TRUE(serializer.ReadData(info));
-  EXPECT_EQ(info.GetKerningInfo(), kerning);
-  EXPECT_EQ(info.GetCharMetricsInfo()->GetCharMetrics(0x41)->GetAdvance(), 1);
-  EXPECT_EQ(info.GetCharMetricsInfo()->GetCharMetrics(0x20), nullptr);
-}
-
-// Missing or empty files read as nothing; an info without tables writes no
-// data file, and all-empty slots read as no metrics.
-TEST_F(FontInfoSerializerTest, EmptyAndMissingFiles) {
+// No table or "fi" file yet: nothing reads; the folders are made. "fi"
+// round-trips, and reads as nothing once cut.
+TEST_F(FontInfoSerializerTest, MissingFilesAndTheDefaultFontInfoFile) {
   FontInfoSerializer serializer(Base() + "cache/");
   struct stat status;
-  EXPECT_EQ(stat(dir_.file("cache/FInfo/Fdata").c_str(), &status), 0);  // folders created
+  EXPECT_EQ(stat(dir_.file("cache/FInfo/Fdata").c_str(), &status), 0);
   EXPECT_FALSE(serializer.IsTableExists());
-  std::vector<FontInfo*> list;
+  EXPECT_FALSE(serializer.ReadHeader());
+  Infos list;
   EXPECT_FALSE(serializer.Read(list));
-  DefaultFontInfo defaults;
+  DefaultFontInfo defaults, read, damaged;
   EXPECT_FALSE(serializer.ReadDefaultFontInfo(defaults));
-  ASSERT_TRUE(writeFile(dir_.file("cache/FInfo/Ftable"), ""));
-  FontInfoSerializer empty(Base() + "cache/");
-  EXPECT_TRUE(empty.IsTableExists());
-  EXPECT_FALSE(empty.ReadHeader());
-  EXPECT_FALSE(empty.Read(list));
-  EXPECT_TRUE(list.empty());
-
-  FontInfo info;
-  info.SetInfoIndex(5);
-  EXPECT_TRUE(empty.WriteData(info));
-  EXPECT_FALSE(empty.IsDataFile(info));
-  EXPECT_FALSE(empty.ReadData(info));
-  info.SetCharMetricsInfo(new CharMetricsInfo());
-  ASSERT_TRUE(empty.WriteData(info));
-  EXPECT_EQ(readFile(dir_.file("cache/FInfo/Fdata/5")), zeros(128));
-  EXPECT_FALSE(empty.ReadData(info));
-  EXPECT_EQ(info.GetCharMetricsInfo(), nullptr);
-}
-
-// A data file cut in its metrics or in its kerning reads as nothing and
-// leaves the record as it was (every cut: the component and fuzz tests).
-TEST_F(FontInfoSerializerTest, TruncatedDataFilesLeaveTheRecordAlone) {
-  FontInfoSerializer serializer(Base());
-  const std::string metrics = hex("01 00000000 7F000000 0100 4100 0100") + zeros(127);
-  const std::string kerning = hex("02000000 41000000 56000000 88FF 54000000 6F000000 C4FF");
-  for (size_t cut : {size_t{1}, size_t{12}, metrics.size() + 3, metrics.size() + kerning.size() - 1}) {
-    ASSERT_TRUE(writeFile(Data(9), (metrics + kerning).substr(0, cut)));
-    FontInfo info;
-    info.SetInfoIndex(9);
-    auto* previous = new CharMetricsInfo();
-    info.SetCharMetricsInfo(previous);
-    EXPECT_FALSE(serializer.ReadData(info)) << cut;
-    EXPECT_EQ(info.GetCharMetricsInfo(), previous) << cut;
-    EXPECT_EQ(info.GetKerningInfo(), nullptr) << cut;
-  }
-  ASSERT_TRUE(writeFile(Data(9), metrics + kerning));
-  FontInfo info;
-  info.SetInfoIndex(9);
-  ASSERT_TRUE(serializer.ReadData(info));
-  EXPECT_EQ(info.GetCharMetricsInfo()->GetCharMetrics(0x41)->GetAdvance(), 1);
-  EXPECT_EQ(info.GetKerningInfo()->GetDelta(84, 111), -60);
-}
-
-TEST_F(FontInfoSerializerTest, DefaultFontInfoFileRoundTripAndDamage) {
-  FontInfoSerializer serializer(Base());
-  DefaultFontInfo defaults;
-  addDefaultFont(defaults, 0x41, 3);
-  addDefaultFont(defaults, 0xAC00, 1);
+  font_info_test::addDefaultFont(defaults, 0x41, 3);
+  font_info_test::addDefaultFont(defaults, 0xAC00, 1);
   ASSERT_TRUE(serializer.WriteDefaultFontInfo(defaults));
-  DefaultFontInfo read;
   ASSERT_TRUE(serializer.ReadDefaultFontInfo(read));
   EXPECT_EQ(read.GetFontIndex(0x41), 3);
   EXPECT_EQ(read.GetFontIndex(0xAC00), 1);
   EXPECT_EQ(read.GetFontIndex(0xAC01), -1);
-  ASSERT_TRUE(writeFile(dir_.file("FInfo/fi"), readFile(dir_.file("FInfo/fi")).substr(0, 20)));
-  DefaultFontInfo damaged;
+  const std::string fi = dir_.file("cache/FInfo/fi");
+  ASSERT_TRUE(writeFile(fi, readFile(fi).substr(0, 20)));
   EXPECT_FALSE(serializer.ReadDefaultFontInfo(damaged));
   EXPECT_EQ(damaged.GetFontIndex(0x41), -1);
 }
 
 // A part that refuses to write (a reversed range) fails the write and
-// leaves the previous file as it was.
-TEST_F(FontInfoSerializerTest, RefusedPartsKeepTheOldFile) {
+// leaves the previous file as it was; so does a folder in the file's place.
+TEST_F(FontInfoSerializerTest, RefusedPartsAndUnwritableFilesFail) {
   FontInfoSerializer serializer(Base());
   FontInfo info;
   info.SetInfoIndex(1);
   auto* metrics = new CharMetricsInfo();
   addAdvance(*metrics, 0x41, 1366);
   info.SetCharMetricsInfo(metrics);
-  ASSERT_TRUE(serializer.WriteData(info));
   DefaultFontInfo defaults;
+  ASSERT_TRUE(serializer.WriteData(info));
   ASSERT_TRUE(serializer.WriteDefaultFontInfo(defaults));
-  const std::string data = readFile(Data(1));
-  const std::string fi = readFile(dir_.file("FInfo/fi"));
-
-  metrics->SetCharMetricsRange(5, new SingleCharMetricsRange(10, 5));
-  defaults.SetDefaultFontRange(5, new SingleDefaultFontRange(10, 5));
+  const std::string data = readFile(Data(1)), fi = readFile(dir_.file("FInfo/fi"));
+  metrics->SetCharMetricsRange(5, new qro_common::SingleCharMetricsRange(10, 5));
+  defaults.SetDefaultFontRange(5, new qro_common::SingleDefaultFontRange(10, 5));
   EXPECT_FALSE(serializer.WriteData(info));
   EXPECT_FALSE(serializer.WriteDefaultFontInfo(defaults));
   EXPECT_EQ(readFile(Data(1)), data);
   EXPECT_EQ(readFile(dir_.file("FInfo/fi")), fi);
-}
 
-TEST_F(FontInfoSerializerTest, UnwritableFilesFail) {
-  FontInfoSerializer serializer(Base());
   // Folders where the files should go: no mode (and no user) can write them.
-  ASSERT_EQ(mkdir(Data(1).c_str(), 0755), 0);
-  ASSERT_EQ(mkdir(Table().c_str(), 0755), 0);
-  ASSERT_EQ(mkdir(dir_.file("FInfo/fi").c_str(), 0755), 0);
-  FontInfo info;
-  info.SetInfoIndex(1);
-  info.SetKerningInfo(new KerningInfo());
-  EXPECT_FALSE(serializer.WriteData(info));
-  std::vector<FontInfo*> list;
-  std::vector<const std::string*> directories;
-  EXPECT_FALSE(serializer.Write(list, directories));
-  DefaultFontInfo defaults;
-  EXPECT_FALSE(serializer.WriteDefaultFontInfo(defaults));
-  // Reading them fails quietly too.
-  EXPECT_FALSE(serializer.ReadData(info));
-  EXPECT_FALSE(serializer.ReadHeader());
-  EXPECT_FALSE(serializer.ReadDefaultFontInfo(defaults));
+  FontInfoSerializer blocked(Base() + "blocked/");
+  info.SetInfoIndex(2);
+  for (const char* name : {"blocked/FInfo/Fdata/2", "blocked/FInfo/Ftable", "blocked/FInfo/fi"}) {
+    ASSERT_EQ(mkdir(dir_.file(name).c_str(), 0755), 0);
+  }
+  DefaultFontInfo empty;
+  Infos list;
+  Directories none;
+  EXPECT_FALSE(blocked.WriteData(info));
+  EXPECT_FALSE(blocked.Write(list, none));
+  EXPECT_FALSE(blocked.WriteDefaultFontInfo(empty));
+  EXPECT_FALSE(blocked.ReadData(info));
+  EXPECT_FALSE(blocked.ReadHeader());
+  EXPECT_FALSE(blocked.ReadDefaultFontInfo(empty));
 }
 
 }  // namespace
