@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "tests/support/Python.h"
@@ -40,52 +41,39 @@ std::vector<ListedRange> listedRanges() {
   return result;
 }
 
-TEST(FontUSBType, RecordOfEveryListedRange) {
+// Every code point against the lists: its bit, and for both ends and the
+// middle of every block the whole record. Code points outside the listed
+// blocks (U+D7FC..D7FF, U+F0000..FEFFF, the gaps) have no bit and leave the
+// rest of the record as it was.
+TEST(FontUSBType, EveryCodePointMatchesTheLists) {
   std::vector<ListedRange> ranges = listedRanges();
   ASSERT_GT(ranges.size(), 150u);
-  for (const ListedRange& r : ranges) {
-    // Both ends and the middle of every block.
-    for (unsigned cp : {r.first, r.first + (r.last - r.first) / 2, r.last}) {
-      Info info{};
-      info.subRangeIndex = 9;
-      ASSERT_EQ(FontUSBType::GetCodePointUSBInfo(cp, info), r.bit) << std::hex << cp;
-      EXPECT_EQ(info.usbType, r.bit);
-      EXPECT_EQ(info.subRangeIndex, r.index) << std::hex << cp;
-      EXPECT_EQ(info.rangeFirst, static_cast<int>(r.first)) << std::hex << cp;
-      EXPECT_EQ(info.rangeLast, static_cast<int>(r.last)) << std::hex << cp;
-      EXPECT_EQ(info.subRangeCount, r.count) << std::hex << cp;
-    }
-  }
-}
-
-// Every code point outside the listed blocks (U+D7FC..D7FF, U+F0000..FEFFF,
-// the gaps) has no bit.
-TEST(FontUSBType, EveryCodePointMatchesTheLists) {
   std::vector<unsigned char> expected(0x110000, FontUSBType::kNoBit);
-  for (const ListedRange& r : listedRanges()) {
+  for (const ListedRange& r : ranges) {
     for (unsigned cp = r.first; cp <= r.last; ++cp) expected[cp] = static_cast<unsigned char>(r.bit);
+    for (unsigned cp : {r.first, r.first + (r.last - r.first) / 2, r.last}) {
+      Info info{0, 9, 0, 0, 0};
+      ASSERT_EQ(FontUSBType::GetCodePointUSBInfo(cp, info), r.bit) << std::hex << cp;
+      EXPECT_EQ(std::make_tuple(int{info.usbType}, int{info.subRangeIndex}, info.rangeFirst,
+                                info.rangeLast, info.subRangeCount),
+                std::make_tuple(r.bit, r.index, static_cast<int>(r.first), static_cast<int>(r.last),
+                                r.count))
+          << std::hex << cp;
+    }
   }
   int mismatches = 0;
-  for (unsigned cp = 0; cp < expected.size(); ++cp) {
-    if (FontUSBType::GetUSBType(cp) != expected[cp]) {
-      ADD_FAILURE() << "U+" << std::hex << cp << " gives " << std::dec
-                    << FontUSBType::GetUSBType(cp) << ", listed " << int{expected[cp]};
-      if (++mismatches > 20) return;
-    }
+  for (unsigned cp = 0; cp < expected.size() && mismatches <= 20; ++cp) {
+    mismatches += FontUSBType::GetUSBType(cp) != expected[cp];
+    EXPECT_EQ(FontUSBType::GetUSBType(cp), expected[cp]) << "U+" << std::hex << cp;
   }
   for (unsigned cp : {0x110000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
     EXPECT_EQ(FontUSBType::GetUSBType(cp), 255) << std::hex << cp;
   }
-}
-
-TEST(FontUSBType, UnknownCodePointLeavesTheRestOfTheRecord) {
   Info info{7, 3, 11, 22, 33};
   EXPECT_EQ(FontUSBType::GetCodePointUSBInfo(0x0860, info), 255);
-  EXPECT_EQ(info.usbType, 255);
-  EXPECT_EQ(info.subRangeIndex, 3);
-  EXPECT_EQ(info.rangeFirst, 11);
-  EXPECT_EQ(info.rangeLast, 22);
-  EXPECT_EQ(info.subRangeCount, 33);
+  EXPECT_EQ(std::make_tuple(int{info.usbType}, int{info.subRangeIndex}, info.rangeFirst,
+                            info.rangeLast, info.subRangeCount),
+            std::make_tuple(255, 3, 11, 22, 33));
 }
 
 // The generator itself checks that its lists do not overlap, that the code
