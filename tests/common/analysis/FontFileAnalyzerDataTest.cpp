@@ -1,6 +1,6 @@
 // Advances, kerning and default-font coverage from the analyzer, checked
 // against the fonts' own tables as fontTools (the generator) read them. Real
-// fonts: FontFileAnalyzerAdvanceSourceTest.
+// fonts: FontFileAnalyzerRealFontsTest.
 
 #include <gtest/gtest.h>
 
