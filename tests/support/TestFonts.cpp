@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 
 namespace kelfont_test {
@@ -16,68 +18,49 @@ std::string expectedFileFor(const std::string& fontFile) {
   return testFontPath("expected_" + stem + ".txt");
 }
 
-bool hexToBytes(const std::string& hex, std::string* out) {
-  if (hex.size() % 2 != 0 || hex.find_first_not_of("0123456789abcdef") != std::string::npos) {
-    return false;
-  }
-  out->clear();
-  for (std::string::size_type i = 0; i < hex.size(); i += 2) {
-    out->push_back(static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
-  }
-  return true;
-}
-
 // Parses one record into `face`; false when the line is malformed.
 // Records no test reads are skipped, so that the generator can grow.
 bool parseRecord(const std::string& key, std::istringstream& in, ExpectedFace* face) {
-  int flag = 0;
-  if (key == "numGlyphs") {
-    in >> face->numGlyphs;
-  } else if (key == "head") {
-    in >> flag;
-    face->hasHead = flag != 0;
-  } else if (key == "unitsPerEm") {
-    in >> face->unitsPerEm;
-  } else if (key == "hhea") {
-    in >> face->ascender >> face->descender >> face->lineGap;
-  } else if (key == "os2") {
-    std::string version;
-    in >> version;
-    face->hasOs2 = version != "none";
-  } else if (key == "panose") {
-    for (int& b : face->panose) in >> b;
-  } else if (key == "unicodeRange") {
-    for (std::uint32_t& r : face->unicodeRange) in >> r;
-  } else if (key == "codePageRange") {
-    for (std::uint32_t& r : face->codePageRange) in >> r;
-  } else if (key == "name") {
+  std::string text;
+  std::uint32_t a = 0, b = 0;
+  int value = 0;
+  if (key == "numGlyphs") in >> face->numGlyphs;
+  if (key == "head") in >> face->hasHead;
+  if (key == "unitsPerEm") in >> face->unitsPerEm;
+  if (key == "hhea") in >> face->ascender >> face->descender >> face->lineGap;
+  if (key == "os2") face->hasOs2 = (in >> text) && text != "none";
+  if (key == "panose") std::copy_n(std::istream_iterator<int>(in), 10, face->panose.begin());
+  if (key == "unicodeRange") {
+    std::copy_n(std::istream_iterator<std::uint32_t>(in), 4, face->unicodeRange.begin());
+  }
+  if (key == "codePageRange") {
+    std::copy_n(std::istream_iterator<std::uint32_t>(in), 2, face->codePageRange.begin());
+  }
+  if (key == "name") {
     ExpectedName name;
-    std::string hex;
-    in >> name.platform >> name.encoding >> name.language >> name.nameId >> hex;
-    if (!hexToBytes(hex, &name.bytes)) return false;
+    in >> name.platform >> name.encoding >> name.language >> name.nameId >> text;
+    for (size_t i = 0; i + 1 < text.size(); i += 2) {
+      name.bytes.push_back(static_cast<char>(std::stoi(text.substr(i, 2), nullptr, 16)));
+    }
     face->names.push_back(name);
-  } else if (key == "char") {
-    std::uint32_t codePoint = 0;
-    ExpectedChar c;
-    in >> codePoint >> c.glyph >> c.advance;
-    face->chars[codePoint] = c;
-  } else if (key == "glyph") {
-    std::size_t index = 0;
-    int advance = 0;
-    in >> index >> advance;
-    if (index != face->glyphAdvances.size()) return false;
-    face->glyphAdvances.push_back(advance);
-  } else if (key == "kern") {
-    std::uint32_t left = 0, right = 0;
-    int value = 0;
-    in >> left >> right >> value;
-    face->kerning[{left, right}] = value;
-  } else if (key == "contour") {
-    int glyph = 0, count = 0;
-    in >> glyph >> count;
-    std::vector<ExpectedPoint> contour(count > 0 ? count : 0);
-    for (ExpectedPoint& p : contour) in >> p.x >> p.y >> flag;
-    face->outlines[glyph].push_back(contour);
+  }
+  if (key == "char") {
+    in >> a >> b >> value;
+    face->chars[a] = {static_cast<int>(b), value};
+  }
+  if (key == "glyph") {
+    in >> a >> value;
+    face->glyphAdvances.push_back(value);
+  }
+  if (key == "kern") {
+    in >> a >> b >> value;
+    face->kerning[{a, b}] = value;
+  }
+  if (key == "contour") {
+    in >> a >> b;
+    std::vector<ExpectedPoint> contour(b);
+    for (ExpectedPoint& p : contour) in >> p.x >> p.y >> value;
+    face->outlines[static_cast<int>(a)].push_back(contour);
   }
   return !in.fail();
 }
