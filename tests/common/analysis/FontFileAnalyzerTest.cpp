@@ -1,5 +1,5 @@
-// The analyzer on the generated fonts, against what the font generator read
-// back from them with fontTools: opening faces, the font-level values of
+// The analyzer on the test fonts, against what the font generator read back
+// from them with fontTools: opening faces, the font-level values of
 // Analyze(), advances, kerning and default-font coverage of the data step,
 // and unusable files. Real fonts: FontFileAnalyzerRealFontsTest.cpp;
 // damaged fonts that still open: the analyzer fuzz target.
