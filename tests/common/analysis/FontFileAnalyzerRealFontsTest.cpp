@@ -24,11 +24,10 @@
 #include "common/analysis/GposKerning.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/FontInfo.h"
-#include "common/font_info/FontInfoSerializer.h"
 #include "common/font_info/KerningInfo.h"
 #include "common/registry/DataFileNames.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/TestPackage.h"
 #include "tests/support/TestFonts.h"
 
 #if KELFONT_HARFBUZZ
@@ -56,8 +55,7 @@ std::vector<std::string> fontFilesIn(const std::string& folder) {
 
 // The data file of one face analysed with `source`; empty when the face
 // does not open. With `pairs`, the printable-ASCII pairs it kerns.
-std::string dataFile(Source source, const std::string& path, int face, const std::string& storage,
-                     Pairs* pairs = nullptr) {
+std::string dataFile(Source source, const std::string& path, int face, Pairs* pairs = nullptr) {
   FontFileAnalyzer analyzer;
   analyzer.SetAdvanceSource(source);
   if (!analyzer.Open(path.c_str(), face)) return std::string();
@@ -74,11 +72,7 @@ std::string dataFile(Source source, const std::string& path, int face, const std
   if (pairs != nullptr && kerning != nullptr) {
     EXPECT_EQ(kerning->GetCount(), static_cast<int>(pairs->size())) << path;
   }
-  qro_common::FontInfoSerializer serializer(storage);
-  if (!serializer.WriteData(info)) return std::string();
-  std::string file;
-  serializer.MakeFontInfoDataFilePath(info, file);
-  return kelfont_test::readFile(file);
+  return kelfont_test::dataFileBytes(info);
 }
 
 // FreeType's `kern` values between printable-ASCII glyphs.
@@ -137,7 +131,6 @@ Pairs shapedPairs(const std::string& path, int faceIndex) {
 // Checks every face of `files` (kerning too when `kerning`); prints a line
 // per kerned face and returns the number of faces.
 int checkFaces(const std::vector<std::string>& files, bool kerning) {
-  kelfont_test::TempDir fromMetrics, fromGlyphs;
   FT_Library library = nullptr;
   EXPECT_EQ(FT_Init_FreeType(&library), 0);
   int faces = 0;
@@ -153,9 +146,8 @@ int checkFaces(const std::vector<std::string>& files, bool kerning) {
       const Pairs kern = complete ? kernTablePairs(face, glyphs) : Pairs();
       FT_Done_Face(face);
       Pairs got;
-      const std::string slow = dataFile(Source::kGlyphs, path, index, fromGlyphs.path() + "/");
-      const std::string fast =
-          dataFile(Source::kMetrics, path, index, fromMetrics.path() + "/", &got);
+      const std::string slow = dataFile(Source::kGlyphs, path, index);
+      const std::string fast = dataFile(Source::kMetrics, path, index, &got);
       // 128 range type bytes at least, and real ranges behind them.
       EXPECT_GT(slow.size(), 128u) << path << " face " << index;
       EXPECT_TRUE(fast == slow) << path << " face " << index << ": " << fast.size() << " vs "
@@ -220,18 +212,14 @@ TEST(GposKerning, GlyphAndClassPairsAsFontToolsReadsThem) {
   for (int l, r, v; in >> l >> r >> v;) want[{l, r}] = v;
   ASSERT_EQ(want.size(), 59u);
   ASSERT_EQ(want.at({'O', 'V'}), -7);  // a glyph pair over its classes' -40
-  kelfont_test::TempDir storage;
-  dataFile(Source::kMetrics, kelfont_test::testFontPath("gpos_kern.ttf"), 0, storage.path() + "/",
-           &got);
+  dataFile(Source::kMetrics, kelfont_test::testFontPath("gpos_kern.ttf"), 0, &got);
   EXPECT_EQ(got, qro_common::hasGposKerning() ? want : Pairs());
 }
 
 TEST(GposKerning, DamagedTableGivesNoPairsAndALogLine) {
   kelfont_test::LogCapture log;
-  kelfont_test::TempDir storage;
   Pairs got;
-  dataFile(Source::kMetrics, kelfont_test::testFontPath("gpos_damaged.ttf"), 0,
-           storage.path() + "/", &got);
+  dataFile(Source::kMetrics, kelfont_test::testFontPath("gpos_damaged.ttf"), 0, &got);
   EXPECT_TRUE(got.empty());
   std::vector<std::string> want;
   if (qro_common::hasGposKerning()) {

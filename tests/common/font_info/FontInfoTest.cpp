@@ -79,27 +79,30 @@ TEST(FontInfo, SettersDeleteWhatTheyReplaceButNotTheSameObject) {
   EXPECT_TRUE(secondGone);
 }
 
+// Update copies the description (a copy of PANOSE and signature, family,
+// alternate name, flags, pitch) but not the name, metrics, index or names;
+// what the source lacks the target keeps. Valid means PANOSE and signature.
 TEST(FontInfo, UpdateCopiesTheDescriptionOnly) {
-  FontInfo target;
+  FontInfo target, empty;
   target.SetFontName(new std::string("Target"));
   target.SetFamilyName(new std::string("Old family"));
   target.SetFontMetrics(new qro_common::FontMetrics(800, -200, 0, 1000));
   target.SetInfoIndex(4);
   target.AddLocalizedName(0x0412, "name");
-
   FontInfo source;
-  source.SetFontName(new std::string("Source"));
   source.SetFamilyName(new std::string("New family"));
   source.SetAlternateName(new std::string("Alt"));
-  auto* panose = new Panose();
-  panose->Set(Panose::kWeight, 7);
-  source.SetPanose(panose);
+  source.SetPanose(new Panose());
+  source.GetPanose()->Set(Panose::kWeight, 7);
+  EXPECT_FALSE(source.IsValid());
   source.SetSig(new Sig(1, 2, 3, 4, 5, 6));
   source.SetPersisted(true);
   source.SetPitch(2);
   source.SetInfoIndex(9);
-
   target.Update(source);
+  EXPECT_TRUE(target.IsPersisted());
+  EXPECT_EQ(target.GetPitch(), 2);
+  target.Update(empty);  // keeps PANOSE, signature and names; copies the flag and pitch
   ASSERT_TRUE(target.IsValid());
   EXPECT_NE(target.GetPanose(), source.GetPanose());
   EXPECT_EQ(target.GetPanose()->Get(Panose::kWeight), 7);
@@ -107,30 +110,12 @@ TEST(FontInfo, UpdateCopiesTheDescriptionOnly) {
   EXPECT_EQ(target.GetSig()->GetCodePageRange(2), 6u);
   EXPECT_EQ(*target.GetFamilyName(), "New family");
   EXPECT_EQ(*target.GetAlternateName(), "Alt");
-  EXPECT_TRUE(target.IsPersisted());
-  EXPECT_EQ(target.GetPitch(), 2);
-  // Untouched.
+  EXPECT_FALSE(target.IsPersisted());
+  EXPECT_EQ(target.GetPitch(), empty.GetPitch());
   EXPECT_EQ(*target.GetFontName(), "Target");
   EXPECT_EQ(target.GetFontMetrics()->GetAscender(), 800);
   EXPECT_EQ(target.GetInfoIndex(), 4);
   EXPECT_EQ(target.GetLocalizedNames().size(), 1u);
-}
-
-// Valid means PANOSE and signature; a source without them keeps the
-// target's, but its flags are copied.
-TEST(FontInfo, ValidityAndUpdateFromAnEmptySource) {
-  FontInfo target;
-  target.SetPanose(new Panose());
-  EXPECT_FALSE(target.IsValid());
-  target.SetSig(new Sig());
-  EXPECT_TRUE(target.IsValid());
-  target.SetFamilyName(new std::string("Family"));
-  target.SetPersisted(true);
-  FontInfo source;
-  target.Update(source);
-  EXPECT_TRUE(target.IsValid());
-  EXPECT_EQ(*target.GetFamilyName(), "Family");
-  EXPECT_FALSE(target.IsPersisted());
 }
 
 }  // namespace
