@@ -13,55 +13,49 @@
 
 namespace font_info_test {
 
+// Puts value() for `code` into the table of a face (advances or default
+// fonts): the range of the code's block, made as the analyzer makes it.
+template <typename Single, typename Multi, typename Range, typename Table, typename Value>
+bool addToBlock(Table& table, unsigned code, Value value, Range* (Table::*get)(unsigned char) const,
+                void (Table::*set)(unsigned char, Range*), Range* (Multi::*getBlock)(int) const,
+                void (Multi::*setBlock)(int, Range*)) {
+  qro_common::FontUSBType::CodePointUSBInfo usb{};
+  const int bit = qro_common::FontUSBType::GetCodePointUSBInfo(code, usb);
+  if (bit == 57 || (bit > 122 && bit != 127)) return false;
+  const auto slot = static_cast<unsigned char>(bit);
+  Range* range = (table.*get)(slot);
+  if (range == nullptr) {
+    range = usb.subRangeIndex >= 0 ? static_cast<Range*>(new Multi(usb.subRangeCount))
+                                   : new Single(usb.rangeFirst, usb.rangeLast);
+    (table.*set)(slot, range);
+  }
+  if (range->GetType() == Range::kMulti) {
+    auto* multi = static_cast<Multi*>(range);
+    range = (multi->*getBlock)(usb.subRangeIndex);
+    if (range == nullptr) {
+      range = new Single(usb.rangeFirst, usb.rangeLast);
+      (multi->*setBlock)(usb.subRangeIndex, range);
+    }
+  }
+  static_cast<Single*>(range)->Set(code, value());
+  return true;
+}
+
 // False when the code's bit is not kept in the tables.
 inline bool addAdvance(qro_common::CharMetricsInfo& info, unsigned code, unsigned short advance) {
   using namespace qro_common;
-  FontUSBType::CodePointUSBInfo usb{};
-  int bit = FontUSBType::GetCodePointUSBInfo(code, usb);
-  if (bit == 57 || (bit > 122 && bit != 127)) return false;
-  auto slot = static_cast<unsigned char>(bit);
-  CharMetricsRange* range = info.GetCharMetricsRange(slot);
-  if (range == nullptr) {
-    range = usb.subRangeIndex >= 0
-                ? static_cast<CharMetricsRange*>(new MultiCharMetricsRange(usb.subRangeCount))
-                : new SingleCharMetricsRange(usb.rangeFirst, usb.rangeLast);
-    info.SetCharMetricsRange(slot, range);
-  }
-  if (range->GetType() == CharMetricsRange::kMulti) {
-    auto* multi = static_cast<MultiCharMetricsRange*>(range);
-    range = multi->GetCharMetricsRange(usb.subRangeIndex);
-    if (range == nullptr) {
-      range = new SingleCharMetricsRange(usb.rangeFirst, usb.rangeLast);
-      multi->SetCharMetricsRange(usb.subRangeIndex, range);
-    }
-  }
-  static_cast<SingleCharMetricsRange*>(range)->Set(code, new CharMetrics(advance));
-  return true;
+  return addToBlock<SingleCharMetricsRange, MultiCharMetricsRange>(
+      info, code, [advance] { return new CharMetrics(advance); }, &CharMetricsInfo::GetCharMetricsRange,
+      &CharMetricsInfo::SetCharMetricsRange, &MultiCharMetricsRange::GetCharMetricsRange,
+      &MultiCharMetricsRange::SetCharMetricsRange);
 }
 
 inline bool addDefaultFont(qro_common::DefaultFontInfo& info, unsigned code, short fontIndex) {
   using namespace qro_common;
-  FontUSBType::CodePointUSBInfo usb{};
-  int bit = FontUSBType::GetCodePointUSBInfo(code, usb);
-  if (bit == 57 || (bit > 122 && bit != 127)) return false;
-  auto slot = static_cast<unsigned char>(bit);
-  DefaultFontRange* range = info.GetDefaultFontRange(slot);
-  if (range == nullptr) {
-    range = usb.subRangeIndex >= 0
-                ? static_cast<DefaultFontRange*>(new MultiDefaultFontRange(usb.subRangeCount))
-                : new SingleDefaultFontRange(usb.rangeFirst, usb.rangeLast);
-    info.SetDefaultFontRange(slot, range);
-  }
-  if (range->GetType() == DefaultFontRange::kMulti) {
-    auto* multi = static_cast<MultiDefaultFontRange*>(range);
-    range = multi->GetDefaultFontRange(usb.subRangeIndex);
-    if (range == nullptr) {
-      range = new SingleDefaultFontRange(usb.rangeFirst, usb.rangeLast);
-      multi->SetDefaultFontRange(usb.subRangeIndex, range);
-    }
-  }
-  static_cast<SingleDefaultFontRange*>(range)->Set(code, fontIndex);
-  return true;
+  return addToBlock<SingleDefaultFontRange, MultiDefaultFontRange>(
+      info, code, [fontIndex] { return fontIndex; }, &DefaultFontInfo::GetDefaultFontRange,
+      &DefaultFontInfo::SetDefaultFontRange, &MultiDefaultFontRange::GetDefaultFontRange,
+      &MultiDefaultFontRange::SetDefaultFontRange);
 }
 
 }  // namespace font_info_test
