@@ -29,11 +29,7 @@ using kelfont_test::cases;
 using kelfont_test::readFile;
 using kelfont_test::TempDir;
 using kelfont_test::writeFile;
-using qro_common::CharMetricsInfo;
-using qro_common::DefaultFontInfo;
-using qro_common::FontInfo;
-using qro_common::FontInfoSerializer;
-using qro_common::KerningInfo;
+using namespace qro_common;
 using Infos = std::vector<FontInfo*>;
 using Directories = std::vector<const std::string*>;
 
@@ -304,60 +300,52 @@ TEST_F(FontInfoSerializerTest, TruncatedTablesKeepTheRecordsThatParseAndGarbageG
   }
 }
 
-// No table or "fi" file yet: nothing reads; the folders are made. "fi"
-// round-trips, and reads as nothing once cut.
-TEST_F(FontInfoSerializerTest, MissingFilesAndTheDefaultFontInfoFile) {
+// No table or "fi" yet: nothing reads, the folders are made. "fi"
+// round-trips and reads as nothing once cut. A part that refuses to write
+// (a reversed range) fails the write and leaves the previous file as it was;
+// so does a folder in the file's place: no mode (and no user) can write it.
+TEST_F(FontInfoSerializerTest, MissingRefusedAndBlockedFiles) {
   FontInfoSerializer serializer(Base() + "cache/");
   struct stat status;
   EXPECT_EQ(stat(dir_.file("cache/FInfo/Fdata").c_str(), &status), 0);
   EXPECT_FALSE(serializer.IsTableExists());
   EXPECT_FALSE(serializer.ReadHeader());
   Infos list;
+  Directories none;
   EXPECT_FALSE(serializer.Read(list));
   DefaultFontInfo defaults, read, damaged;
   EXPECT_FALSE(serializer.ReadDefaultFontInfo(defaults));
   font_info_test::addDefaultFont(defaults, 0x41, 3);
   font_info_test::addDefaultFont(defaults, 0xAC00, 1);
-  ASSERT_TRUE(serializer.WriteDefaultFontInfo(defaults));
-  ASSERT_TRUE(serializer.ReadDefaultFontInfo(read));
-  EXPECT_EQ(read.GetFontIndex(0x41), 3);
-  EXPECT_EQ(read.GetFontIndex(0xAC00), 1);
-  EXPECT_EQ(read.GetFontIndex(0xAC01), -1);
-  const std::string fi = dir_.file("cache/FInfo/fi");
-  ASSERT_TRUE(writeFile(fi, readFile(fi).substr(0, 20)));
-  EXPECT_FALSE(serializer.ReadDefaultFontInfo(damaged));
-  EXPECT_EQ(damaged.GetFontIndex(0x41), -1);
-}
-
-// A part that refuses to write (a reversed range) fails the write and
-// leaves the previous file as it was; so does a folder in the file's place.
-TEST_F(FontInfoSerializerTest, RefusedPartsAndUnwritableFilesFail) {
-  FontInfoSerializer serializer(Base());
   FontInfo info;
   info.SetInfoIndex(1);
   auto* metrics = new CharMetricsInfo();
   addAdvance(*metrics, 0x41, 1366);
   info.SetCharMetricsInfo(metrics);
-  DefaultFontInfo defaults;
   ASSERT_TRUE(serializer.WriteData(info));
   ASSERT_TRUE(serializer.WriteDefaultFontInfo(defaults));
-  const std::string data = readFile(Data(1)), fi = readFile(dir_.file("FInfo/fi"));
-  metrics->SetCharMetricsRange(5, new qro_common::SingleCharMetricsRange(10, 5));
-  defaults.SetDefaultFontRange(5, new qro_common::SingleDefaultFontRange(10, 5));
+  ASSERT_TRUE(serializer.ReadDefaultFontInfo(read));
+  EXPECT_EQ(read.GetFontIndex(0x41), 3);
+  EXPECT_EQ(read.GetFontIndex(0xAC00), 1);
+  EXPECT_EQ(read.GetFontIndex(0xAC01), -1);
+  const std::string dataPath = dir_.file("cache/FInfo/Fdata/1"), fi = dir_.file("cache/FInfo/fi");
+  const std::string data = readFile(dataPath), fiBytes = readFile(fi);
+  metrics->SetCharMetricsRange(5, new SingleCharMetricsRange(10, 5));
+  defaults.SetDefaultFontRange(5, new SingleDefaultFontRange(10, 5));
   EXPECT_FALSE(serializer.WriteData(info));
   EXPECT_FALSE(serializer.WriteDefaultFontInfo(defaults));
-  EXPECT_EQ(readFile(Data(1)), data);
-  EXPECT_EQ(readFile(dir_.file("FInfo/fi")), fi);
+  EXPECT_EQ(readFile(dataPath), data);
+  EXPECT_EQ(readFile(fi), fiBytes);
+  ASSERT_TRUE(writeFile(fi, fiBytes.substr(0, 20)));
+  EXPECT_FALSE(serializer.ReadDefaultFontInfo(damaged));
+  EXPECT_EQ(damaged.GetFontIndex(0x41), -1);
 
-  // Folders where the files should go: no mode (and no user) can write them.
   FontInfoSerializer blocked(Base() + "blocked/");
   info.SetInfoIndex(2);
   for (const char* name : {"blocked/FInfo/Fdata/2", "blocked/FInfo/Ftable", "blocked/FInfo/fi"}) {
     ASSERT_EQ(mkdir(dir_.file(name).c_str(), 0755), 0);
   }
   DefaultFontInfo empty;
-  Infos list;
-  Directories none;
   EXPECT_FALSE(blocked.WriteData(info));
   EXPECT_FALSE(blocked.Write(list, none));
   EXPECT_FALSE(blocked.WriteDefaultFontInfo(empty));
