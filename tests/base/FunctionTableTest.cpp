@@ -10,11 +10,14 @@
 #include <vector>
 
 #include "base/AKHashMap.h"
+#include "base/ByteOrder.h"
 #include "base/CharacterType.h"
+#include "base/DefaultCharsetConverterManager.h"
 #include "base/Environment.h"
 #include "base/Locale.h"
 #include "base/MathUtil.h"
 #include "base/TextConversion.h"
+#include "base/Utf8CharsetConverter.h"
 #include "tests/support/Cases.h"
 
 namespace {
@@ -52,6 +55,59 @@ std::string floatText(const Case& c) {
   qro_base::FloatToArray(value, c.num(2), wide.data(), c[3] == "fixed");
   EXPECT_EQ(u16(text), qro_base::u16string(wide.data())) << "the UTF-16 form differs";
   return text;
+}
+
+// A script of calls on one map: +KEY=V inserts (. or null), ?KEY finds (its
+// value or -), kKEY the found node's stored key, l IsLastFound, # GetCount,
+// v IsValid, h bucket 0 has a head, ~ inserts a null key, *N inserts
+// key0..keyN-1; a KEY @N is N// times 'q'. What the constructor prints comes first.
+std::string hashMap(const Case& c) {
+  testing::internal::CaptureStderr();
+  Map map(static_cast<unsigned>(c.num(1)), static_cast<unsigned>(c.num(2)),
+          qro_base::AKHashMapHashMethodDefault);
+  std::string said = testing::internal::GetCapturedStderr();
+  std::istringstream ops(c[3]);
+  for (std::string op; ops >> op;) {
+    std::string key = op.substr(1, op.find('=') - 1);
+    if (!key.empty() && key[0] == '@') key = std::string(std::stoul(key.substr(1)), 'q');
+    const auto* node = op[0] == '?' || op[0] == 'k'
+                           ? map.FindNode(key.data(), static_cast<unsigned>(key.size()))
+                           : nullptr;
+    if (!said.empty()) said += " ";
+    if (op[0] == '*') said += ".";
+    if (op[0] == '+') {
+      node = map.Insert(key.data(), static_cast<unsigned>(key.size()),
+                        static_cast<unsigned short>(std::stoul(op.substr(op.find('=') + 1))));
+      key.assign(key.size(), 'x');  // the map keeps a copy
+      said += node != nullptr ? "." : "null";
+    }
+    for (unsigned short i = 0; op[0] == '*' && i < std::stoul(key); ++i) {
+      std::string k = "key" + std::to_string(i);
+      map.Insert(k.data(), static_cast<unsigned>(k.size()), i);
+    }
+    if (op[0] == '?') said += node != nullptr ? std::to_string(node->GetValue()) : "-";
+    if (op[0] == 'k') said += std::to_string(node->GetKeyLength()) + ":" + node->GetKey();
+    if (op[0] == 'l') said += std::to_string(map.IsLastFound());
+    if (op[0] == '#') said += std::to_string(map.GetCount());
+    if (op[0] == 'v') said += std::to_string(map.IsValid());
+    if (op[0] == 'h') said += std::to_string(map.GetBucketHead(0) != nullptr);
+    if (op[0] == '~') said += map.Insert(nullptr, 3, 1) != nullptr ? "." : "null";
+  }
+  return said;
+}
+
+// UTF-8 bytes into a target of `room` units: the units, then the bytes taken.
+std::string convertUtf8(const Case& c) {
+  const unsigned room = static_cast<unsigned>(c.num(2));
+  std::vector<unsigned short> units(room + 1, 0xAAAA);
+  unsigned produced = 99;
+  unsigned consumed =
+      qro_base::Utf8CharsetConverter().Convert(c[1].data(), static_cast<unsigned>(c[1].size()),
+                                               units.data(), room, c[3] == "last", produced);
+  EXPECT_EQ(units[room], 0xAAAA) << "wrote past the target";
+  std::string said;
+  for (unsigned i = 0; i < produced; ++i) said += hex(units[i]) + " ";
+  return said + "; " + std::to_string(consumed);
 }
 
 const std::map<std::string, std::function<std::string(const Case&)>> kFunctions = {
@@ -116,6 +172,36 @@ const std::map<std::string, std::function<std::string(const Case&)>> kFunctions 
        return std::to_string(
            Map(static_cast<unsigned>(c.num(1)), 10, qro_base::AKHashMapHashMethodDefault)
                .GetBucketCount());
+     }},
+    {"hashmap", hashMap},
+    {"append",
+     [](const Case& c) {
+       std::string bytes;
+       std::istringstream values(c[1]);
+       for (std::string v; values >> v;) {
+         const long n = std::strtol(v.c_str() + v.find(':') + 1, nullptr, 0);
+         if (v[1] == '8') qro_base::appendUInt8(bytes, static_cast<unsigned char>(n));
+         if (v[1] == '1') qro_base::appendUInt16(bytes, static_cast<unsigned short>(n));
+         if (v[0] == 'i') qro_base::appendInt32(bytes, static_cast<int>(n));
+       }
+       return bytes;
+     }},
+    {"utf8-convert", convertUtf8},
+    {"converter",  // the same converter every time, or none
+     [](const Case& c) {
+       qro_base::DefaultCharsetConverterManager manager;
+       auto* converter = manager.GetConverter(static_cast<unsigned>(c.num(1)));
+       return converter == nullptr                                                 ? "none"
+              : converter == manager.GetConverter(static_cast<unsigned>(c.num(1))) ? "same"
+                                                                                   : "new";
+     }},
+    {"uint32",  // into a buffer of x's (or none): the buffer and where the digits begin
+     [](const Case& c) {
+       std::string buffer(static_cast<size_t>(c.num(2)), 'x');
+       const char* text = qro_base::uint32ToString(
+           static_cast<unsigned>(c.num(1)), c[2] == "NULL" ? nullptr : &buffer[0],
+           c[2] == "NULL" ? 10 : static_cast<unsigned>(c.num(2)));
+       return text == nullptr ? "null" : buffer + " @" + std::to_string(text - buffer.data());
      }},
     {"hash",
      [](const Case& c) {

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "base/BufferedReader.h"
+#include "base/ByteOrder.h"
 #include "base/DefaultCharsetConverterManager.h"
 #include "base/Environment.h"
 #include "base/FileInputStream.h"
@@ -118,6 +119,26 @@ TEST(InputStreams, Scripts) {
             units << (units.tellp() ? "," : "") << std::hex << v;
           }
           said << (kind.rfind("reader", 0) == 0 ? (all.empty() ? "''" : units.str()) : token(all));
+          break;
+        }
+        case '<':  // the plain little-endian readers
+          if (op == "<u16") said << qro_base::readUInt16(*in);
+          if (op == "<i32") said << qro_base::readInt32(*in);
+          if (op == "<u32") said << qro_base::readUInt32(*in);
+          break;
+        case '?': {  // the checked ones
+          unsigned char u8 = 0;
+          short i16 = 0;
+          unsigned short u16 = 0;
+          int i32 = 0;
+          unsigned u32 = 0;
+          // clang-format off
+          if (op == "?u8") said << (qro_base::readUInt8(*in, u8) ? std::to_string(u8) : "fail");
+          if (op == "?i16") said << (qro_base::readInt16(*in, i16) ? std::to_string(i16) : "fail");
+          if (op == "?u16") said << (qro_base::readUInt16(*in, u16) ? std::to_string(u16) : "fail");
+          if (op == "?i32") said << (qro_base::readInt32(*in, i32) ? std::to_string(i32) : "fail");
+          if (op == "?u32") said << (qro_base::readUInt32(*in, u32) ? std::to_string(u32) : "fail");
+          // clang-format on
           break;
         }
         // One call a line.

@@ -43,17 +43,6 @@ TEST(Utf8ByteCount, EveryByteByItsLeadingOnes) {
   }
 }
 
-TEST(Uint32ToString, DigitsEndAtTheLastByteAndSmallBuffersAreLeftAlone) {
-  std::vector<char> exact(11, 'x');
-  EXPECT_EQ(qro_base::uint32ToString(4294967295u, exact.data(), 11), exact.data());
-  EXPECT_STREQ(exact.data(), "4294967295");
-  char buffer[4] = {'a', 'b', 'c', 'd'};
-  EXPECT_STREQ(qro_base::uint32ToString(7, buffer, 4), "7");
-  EXPECT_EQ(buffer[1], 'b');
-  EXPECT_EQ(qro_base::uint32ToString(1234, buffer, 4), nullptr);
-  EXPECT_EQ(qro_base::uint32ToString(1, nullptr, 10), nullptr);
-}
-
 TEST(IntegerToArray, AgreesWithTheCLibraryAndExtremesFitTheDocumentedBuffers) {
   std::vector<char> narrow12(12);
   EXPECT_STREQ(qro_base::IntegerToArray(INT_MIN, narrow12.data()), "-2147483648");

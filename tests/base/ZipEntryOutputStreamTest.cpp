@@ -124,32 +124,4 @@ with zipfile.ZipFile(sys.argv[1]) as z:
             "65535 4 8 fa501b18 66697473\n");
 }
 
-TEST(ZipEntryOutputStream, WritesNeedAnOpenEntryAndBytes) {
-  TempDir dir;
-  std::string path = dir.file("w.zip");
-  qro_base::ZipEntryOutputStream out(path.c_str());
-  ASSERT_TRUE(out.IsOpen());
-  EXPECT_FALSE(out.Write("abc", 3));  // no entry yet
-  EXPECT_FALSE(out.CloseEntry());
-  qro_base::ZipEntry entry("a", 0);
-  ASSERT_TRUE(out.PutNextEntry(entry));
-  EXPECT_FALSE(out.Write('x'));
-  EXPECT_FALSE(out.Write("abc", 0));
-  EXPECT_FALSE(out.Write(nullptr, 3));
-  EXPECT_TRUE(out.Write("abc", 3));
-  EXPECT_TRUE(out.CloseEntry());
-  EXPECT_FALSE(out.Write("abc", 3));  // the entry is ended
-  EXPECT_TRUE(out.Close());
-  EXPECT_FALSE(out.Close());
-  testing::internal::CaptureStdout();
-  EXPECT_FALSE(out.PutNextEntry(entry));  // the archive is finished
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "error in opening a in zipfile\n");
-  qro_base::ZipFile zip(path.c_str(), false);
-  EXPECT_EQ(kelfont_test::listing(zip), (Listing{{"a", 3}}));
-  qro_base::ZipEntryOutputStream unopened(dir.file("no/such/folder/a.zip").c_str());
-  EXPECT_FALSE(unopened.IsOpen());
-  EXPECT_FALSE(unopened.Write("abc", 3));
-  EXPECT_FALSE(unopened.Close());
-}
-
 }  // namespace
