@@ -143,7 +143,7 @@ TEST(InputStreams, Scripts) {
         }
         // One call a line.
         // clang-format off
-        case '=': said << (got == (op == "=stored" ? storedBytes() : deflatedText())); break;
+        case '=': said << (got == readFile(archive + ".d/" + op.substr(1))); break;
         case 's': said << in->Skip(n); break;
         case 'a': said << in->Available(); break;
         case 'c': said << in->Close(); break;

@@ -82,7 +82,7 @@ TEST(OutputStreams, Scripts) {
         }
         case 'E': said << zip->CloseEntry(); break;
         case 'n': said << zip->GetEntries().size(); break;
-        case 'L': for (auto& [name, size] : listing(qro_base::ZipFile(path.c_str(), false))) said << name << ':' << size << '|'; break;
+        case 'L': said << escape(listing(qro_base::ZipFile(path.c_str(), false))); break;
         case '>':
           if (text.rfind("u8:", 0) == 0) said << qro_base::writeUInt8(*out, static_cast<unsigned char>(value));
           if (text.rfind("u16:", 0) == 0) said << qro_base::writeUInt16(*out, static_cast<unsigned short>(value));
