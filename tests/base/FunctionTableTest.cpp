@@ -135,6 +135,21 @@ std::string call(const Case& c) {
   if (f == "flags") return hex(qro_base::CharacterType::charTypes[c.num(1)]);
   if (f == "hashmap") return hashMap(c);
   if (f == "utf8-convert") return convertUtf8(c);
+  if (f == "lower-text" || f == "upper-text") {  // into a stale text, and in place
+    qro_base::u16string out = u16("garbage"), same = text;
+    (f == "lower-text" ? qro_base::toLowerCase : qro_base::toUpperCase)(text, out);
+    (f == "lower-text" ? qro_base::toLowerCase : qro_base::toUpperCase)(same, same);
+    EXPECT_EQ(out, same);
+    std::string said;
+    for (unsigned short u : out) said += (said.empty() ? "" : " ") + hex(u);
+    return said;
+  }
+  if (f == "print") {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    qro_base::printStr16(text);
+    return testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
+  }
   if (f == "utf8") {
     std::string out = "stale";
     qro_base::utf16ToUtf8(text, out);
