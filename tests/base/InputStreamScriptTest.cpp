@@ -22,15 +22,7 @@ namespace {
 
 using namespace kelfont_test;
 
-std::string token(const std::string& bytes) {
-  std::string out;
-  for (unsigned char c : bytes) {
-    char hex[8];
-    snprintf(hex, sizeof hex, "\\x%02X", c);
-    out += c > 0x20 && c < 0x7F && c != '\\' ? std::string(1, static_cast<char>(c)) : hex;
-  }
-  return out.empty() ? "''" : out;
-}
+std::string token(const std::string& bytes) { return bytes.empty() ? "''" : escape(bytes); }
 
 TEST(InputStreams, Scripts) {
   TempDir dir;
