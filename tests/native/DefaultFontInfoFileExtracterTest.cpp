@@ -53,14 +53,17 @@ std::string value(const std::string& text) {
 }
 
 // Writes DIR/qrfont.zip: NAME=VALUE entries ("|" or ";" between them), or a
-// package that is missing, no zip, cut short, or lying about its size.
+// package that is missing, no zip, cut short, lying about its size, or whose
+// entry has no local header.
 std::map<std::string, std::string> writePackage(const std::string& dir, const std::string& what) {
   std::map<std::string, std::string> entries;
   const std::string path = dir + "/qrfont.zip";
   if (what == "missing") return entries;
-  if (what == "notzip" || what == "cut") {
-    EXPECT_TRUE(writeFile(path, what == "cut" ? lyingArchive("Ftable", "table", 5).substr(0, 40)
-                                              : "Ftable\nfc\n" + std::string(3000, 'P')));
+  if (what == "notzip" || what == "cut" || what == "nolocal") {
+    const std::string archive = lyingArchive("Ftable", "table", 5);
+    EXPECT_TRUE(writeFile(path, what == "cut"       ? archive.substr(0, 40)
+                                : what == "nolocal" ? "PK\x03\x05" + archive.substr(4)
+                                                    : "Ftable\nfc\n" + std::string(3000, 'P')));
   }
   if (what.rfind("lying:", 0) == 0) {
     entries["Ftable"] = "table";
