@@ -1,12 +1,12 @@
-#include "base/AtomicFileOutputStream.h"
-
-#include <dirent.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <filesystem>
+#include <iterator>
 #include <string>
 #include <vector>
 
+#include "base/AtomicFileOutputStream.h"
 #include "base/FileUtils.h"
 #include "tests/support/FileSizeLimit.h"
 #include "tests/support/LogCapture.h"
@@ -22,13 +22,8 @@ using qro_base::AtomicFileOutputStream;
 
 const std::string kOld = "the old content, longer than the new one";
 
-int entryCount(const std::string& directory) {
-  int count = 0;
-  if (DIR* dir = opendir(directory.c_str())) {
-    while (readdir(dir) != nullptr) ++count;
-    closedir(dir);
-  }
-  return count;
+std::ptrdiff_t entryCount(const std::string& directory) {
+  return std::distance(std::filesystem::directory_iterator(directory), {});
 }
 
 TEST(AtomicFileOutputStream, FailuresKeepTheOldFileAndAreLogged) {
@@ -50,7 +45,7 @@ TEST(AtomicFileOutputStream, FailuresKeepTheOldFileAndAreLogged) {
     if (hadOld) {
       ASSERT_TRUE(writeFile(c.path, kOld));
     }
-    const int entriesBefore = entryCount(dir.path());
+    const std::ptrdiff_t entriesBefore = entryCount(dir.path());
     LogCapture log;
     bool committed;
     {

@@ -8,9 +8,8 @@
 #include <sys/stat.h>
 #include FT_FREETYPE_H
 
-#include <dirent.h>
-
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <map>
@@ -43,12 +42,10 @@ std::map<unsigned, std::string> firstMappedPerBlock(const std::string& dir) {
   std::set<unsigned> mapped;
   FT_Library library;
   if (FT_Init_FreeType(&library) != 0) return {};
-  DIR* files = opendir(dir.c_str());
-  while (const dirent* entry = files != nullptr ? readdir(files) : nullptr) {
-    const std::string path = dir + "/" + entry->d_name;
+  for (const auto& entry : std::filesystem::directory_iterator(dir)) {
     for (long face = 0, faces = 1; face < faces; ++face) {
       FT_Face ft;
-      if (entry->d_name[0] == '.' || FT_New_Face(library, path.c_str(), face, &ft) != 0) break;
+      if (FT_New_Face(library, entry.path().c_str(), face, &ft) != 0) break;
       faces = ft->num_faces;
       FT_UInt glyph = 0;
       for (FT_ULong c = FT_Get_First_Char(ft, &glyph); glyph != 0;
@@ -58,7 +55,6 @@ std::map<unsigned, std::string> firstMappedPerBlock(const std::string& dir) {
       FT_Done_Face(ft);
     }
   }
-  if (files != nullptr) closedir(files);
   FT_Done_FreeType(library);
   std::map<unsigned, std::string> firsts;
   std::ifstream blocks("/usr/share/unicode/Blocks.txt");
