@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <filesystem>
+#include <iterator>
 #include <memory>
 #include <sstream>
 
+#include "base/AtomicFileOutputStream.h"
 #include "base/BufferedOutputStream.h"
 #include "base/ByteOrder.h"
 #include "base/FileOutputStream.h"
@@ -14,6 +17,8 @@
 #include "tests/base/MemoryStreams.h"
 #include "tests/base/ZipTestSupport.h"
 #include "tests/support/Cases.h"
+#include "tests/support/FileSizeLimit.h"
+#include "tests/support/LogCapture.h"
 
 namespace {
 
@@ -26,9 +31,10 @@ TEST(OutputStreams, Scripts) {
     SCOPED_TRACE(c.line);
     TempDir dir;
     ASSERT_TRUE(writeFile(dir.file("plain"), "x"));
+    ASSERT_EQ(mkdir(dir.file("folder").c_str(), 0755), 0);
     const std::string kind = c[0].substr(0, c[0].find(':')), arg = c[0].substr(kind.size() + 1);
     // The file written: "f" (holding the source bytes unless they are "-"),
-    // or for file@PATH a path below the folder.
+    // or for KIND@:PATH a path below the folder, which holds "plain" and "folder".
     const std::string path = kind.back() == '@' ? dir.file(arg) : dir.file("f");
     ASSERT_TRUE(c[1] == "-" || writeFile(dir.file("f"), c[1]));
     MemoryOutputStream sink;
@@ -44,6 +50,8 @@ TEST(OutputStreams, Scripts) {
       out.reset(new qro_base::BufferedOutputStream(file.get(), std::stoul(arg)));
     } else if (kind == "memory") {
       out.reset(new MemoryOutputStream());
+    } else if (kind.rfind("atomic", 0) == 0) {
+      out.reset(new qro_base::AtomicFileOutputStream(path));
     } else {
       out.reset(new qro_base::ZipEntryOutputStream(path.c_str()));
     }
@@ -51,6 +59,9 @@ TEST(OutputStreams, Scripts) {
     auto* buffered = dynamic_cast<qro_base::BufferedOutputStream*>(out.get());
     auto* fileOut = dynamic_cast<qro_base::FileOutputStream*>(out.get());
     auto* zip = dynamic_cast<qro_base::ZipEntryOutputStream*>(out.get());
+    auto* atomic = dynamic_cast<qro_base::AtomicFileOutputStream*>(out.get());
+    LogCapture log;
+    std::unique_ptr<FileSizeLimit> limit;
     std::istringstream ops(c[2]);
     std::ostringstream said;
     for (std::string op; ops >> op;) {
@@ -73,6 +84,16 @@ TEST(OutputStreams, Scripts) {
         case '=': said << token(memory ? memory->data : kind == "buffered" ? sink.data : readFile(path)); break;
         case '|': for (const std::string& block : sink.blocks) said << token(block) << '|'; break;
         case 'D': out.reset(); file.reset(); said << '.'; break;
+        case '[': limit.reset(new FileSizeLimit(4096)); said << limit->ok(); break;
+        case ']': limit.reset(); said << '.'; break;
+        case '*': out->Write(std::string(value, 'x').data(), static_cast<unsigned>(value)); said << '.'; break;
+        case 'K': said << atomic->Commit(); break;
+        case '#': said << std::distance(std::filesystem::directory_iterator(dir.path()), {}); break;
+        case 'g':
+          for (std::string message : log.messages()) {
+            said << message.replace(message.find(dir.path()), dir.path().size(), "DIR") << '|';
+          }
+          break;
         case 'e': {  // and what it printed, in brackets
           testing::internal::CaptureStdout();
           said << zip->PutNextEntry(entry);
