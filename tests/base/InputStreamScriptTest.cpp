@@ -24,6 +24,13 @@ using namespace kelfont_test;
 
 std::string token(const std::string& bytes) { return bytes.empty() ? "''" : escape(bytes); }
 
+// A checked little-endian reader's value, or "fail".
+template <typename T>
+std::string checked(bool (*read)(qro_base::InputStream&, T&), qro_base::InputStream& in) {
+  T value{};
+  return read(in, value) ? std::to_string(+value) : "fail";
+}
+
 TEST(InputStreams, Scripts) {
   TempDir dir;
   std::string archive = writePythonArchive(dir);
@@ -118,21 +125,13 @@ TEST(InputStreams, Scripts) {
           if (op == "<i32") said << qro_base::readInt32(*in);
           if (op == "<u32") said << qro_base::readUInt32(*in);
           break;
-        case '?': {  // the checked ones
-          unsigned char u8 = 0;
-          short i16 = 0;
-          unsigned short u16 = 0;
-          int i32 = 0;
-          unsigned u32 = 0;
-          // clang-format off
-          if (op == "?u8") said << (qro_base::readUInt8(*in, u8) ? std::to_string(u8) : "fail");
-          if (op == "?i16") said << (qro_base::readInt16(*in, i16) ? std::to_string(i16) : "fail");
-          if (op == "?u16") said << (qro_base::readUInt16(*in, u16) ? std::to_string(u16) : "fail");
-          if (op == "?i32") said << (qro_base::readInt32(*in, i32) ? std::to_string(i32) : "fail");
-          if (op == "?u32") said << (qro_base::readUInt32(*in, u32) ? std::to_string(u32) : "fail");
-          // clang-format on
+        case '?':  // the checked ones
+          if (op == "?u8") said << checked(qro_base::readUInt8, *in);
+          if (op == "?i16") said << checked(qro_base::readInt16, *in);
+          if (op == "?u16") said << checked(qro_base::readUInt16, *in);
+          if (op == "?i32") said << checked(qro_base::readInt32, *in);
+          if (op == "?u32") said << checked(qro_base::readUInt32, *in);
           break;
-        }
         // One call a line.
         // clang-format off
         case '=': said << (got == readFile(archive + ".d/" + op.substr(1))); break;
