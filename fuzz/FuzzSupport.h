@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "base/FileUtils.h"
+#include "base/Log.h"
 #include "base/StringOutputStream.h"
 #include "common/font_info/FontInfo.h"
 #include "common/registry/FontTable.h"
@@ -26,7 +27,8 @@ inline const std::string& scratch() {
   // Never destroyed: the exit handler below still needs it.
   static const std::string* path = [] {
     const char* root = access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp";
-    auto* dir = new std::string(std::string(root) + "/kelfont-fuzz-" + std::to_string(getpid()) + "/");
+    auto* dir =
+        new std::string(std::string(root) + "/kelfont-fuzz-" + std::to_string(getpid()) + "/");
     qro_base::confirmFilePathExists((*dir + "FInfo/Fdata").c_str());
     std::atexit([] {
       std::error_code ignored;
@@ -55,6 +57,13 @@ inline bool writeWhole(const std::string& path, const uint8_t* data, size_t size
   return std::fclose(file) == 0 && ok;
 }
 
+// Silences the log and writes the input to scratch() + name; false when it
+// could not be written.
+inline bool takeInput(const std::string& name, const uint8_t* data, size_t size) {
+  qro_base::setLogHook([](int, const char*, const char*, void*) {}, nullptr);
+  return writeWhole(scratch() + name, data, size);
+}
+
 // The bytes `table` writes.
 template <typename Table>
 std::string bytesOf(const Table& table) {
@@ -68,6 +77,15 @@ std::string bytesOf(const Table& table) {
 [[noreturn]] inline void fail(const char* what) {
   std::fprintf(stderr, "property violated: %s\n", what);
   std::abort();
+}
+
+// Stops the run unless every index lies in lowest .. the table's last font.
+template <typename Indexes>
+void expectFonts(const Indexes& indexes, int lowest, const qro_common::FontTable& table,
+                 const char* what) {
+  for (int index : indexes) {
+    if (index < lowest || index >= table.GetFontCount()) fail(what);
+  }
 }
 
 // Names the list readers resolve: "Alpha" .. "Delta" with a file, "Ghost"

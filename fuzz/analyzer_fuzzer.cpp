@@ -10,7 +10,6 @@
 #include <memory>
 #include <string>
 
-#include "base/Log.h"
 #include "common/analysis/FontFileAnalyzer.h"
 #include "common/font_info/DefaultFontInfo.h"
 #include "common/font_info/FontInfo.h"
@@ -67,7 +66,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     info->SetFilePath(new std::string(path));
     CountingPath drawn;
     float x = 10.5f, y = 20.25f;
-    for (unsigned ch : {0x41u, 0x20u, 0xAC00u, 0x1F600u}) manager.OutlineToPath(info.get(), ch, x, y, &drawn);
+    for (unsigned ch : {0x41u, 0x20u, 0xAC00u, 0x1F600u})
+      manager.OutlineToPath(info.get(), ch, x, y, &drawn);
     for (unsigned glyph = 0; glyph < 3; ++glyph) {
       manager.GlyphOutlineToPath(info.get(), glyph, x, y, &drawn);
     }

@@ -6,18 +6,15 @@
 #include <string>
 #include <vector>
 
-#include "base/Log.h"
 #include "common/registry/FontChainReader.h"
 #include "common/registry/FontTable.h"
 #include "fuzz/FuzzSupport.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  qro_base::setLogHook([](int, const char*, const char*, void*) {}, nullptr);
-  const std::string& base = kelfont_fuzz::scratch();
-  if (!kelfont_fuzz::writeWhole(base + "FInfo/fc", data, size)) return 0;
+  if (!kelfont_fuzz::takeInput("FInfo/fc", data, size)) return 0;
   qro_common::FontTable table;
   kelfont_fuzz::addListFonts(table);
-  std::string directory = base;
+  std::string directory = kelfont_fuzz::scratch();
   std::map<int, std::vector<int>*> chains;
   qro_common::FontChainReader reader(directory);
   reader.Read(table, chains);
@@ -25,9 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (key < 0 || key >= table.GetFontCount() || chain == nullptr || chain->empty()) {
       kelfont_fuzz::fail("a chain outside the table");
     }
-    for (int index : *chain) {
-      if (index < 0 || index >= table.GetFontCount()) kelfont_fuzz::fail("a chain entry outside the table");
-    }
+    kelfont_fuzz::expectFonts(*chain, 0, table, "a chain entry outside the table");
     delete chain;
   }
   return 0;

@@ -8,7 +8,6 @@
 #include <memory>
 #include <string>
 
-#include "base/Log.h"
 #include "base/MemoryInputStream.h"
 #include "common/font_info/CharMetrics.h"
 #include "common/font_info/CharMetricsInfo.h"
@@ -31,9 +30,8 @@ std::string dataBytes(const CharMetricsInfo* metrics, const KerningInfo* kerning
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  qro_base::setLogHook([](int, const char*, const char*, void*) {}, nullptr);
+  if (!kelfont_fuzz::takeInput("FInfo/Fdata/7", data, size)) return 0;
   const std::string& base = kelfont_fuzz::scratch();
-  if (!kelfont_fuzz::writeWhole(base + "FInfo/Fdata/7", data, size)) return 0;
 
   qro_common::FontInfoSerializer serializer(base);
   qro_common::FontInfo info;
@@ -49,7 +47,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     sum += metrics->IsVisibleChar(code) ? 1 : 0;
   }
   if (kerning != nullptr) {
-    for (int left = 32; left < 127; left += 3) sum += static_cast<unsigned>(kerning->GetDelta(left, 'A'));
+    for (int left = 32; left < 127; left += 3)
+      sum += static_cast<unsigned>(kerning->GetDelta(left, 'A'));
   }
 
   std::string once = dataBytes(metrics, kerning);

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <string>
 
-#include "base/Log.h"
 #include "base/MemoryInputStream.h"
 #include "common/font_info/DefaultFontInfo.h"
 #include "common/font_info/ExtraDefaultFonts.h"
@@ -16,9 +15,8 @@
 using qro_common::DefaultFontInfo;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  qro_base::setLogHook([](int, const char*, const char*, void*) {}, nullptr);
+  if (!kelfont_fuzz::takeInput("FInfo/fi", data, size)) return 0;
   const std::string& base = kelfont_fuzz::scratch();
-  if (!kelfont_fuzz::writeWhole(base + "FInfo/fi", data, size)) return 0;
 
   qro_common::ExtraDefaultFonts extra;
   if (extra.Read(reinterpret_cast<const char*>(data), size)) {
@@ -49,6 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     kelfont_fuzz::fail("written default font information does not read back");
   }
   if (in.Available() != 0) kelfont_fuzz::fail("written default font information has bytes left");
-  if (kelfont_fuzz::bytesOf(again) != once) kelfont_fuzz::fail("default font information written again differs");
+  if (kelfont_fuzz::bytesOf(again) != once)
+    kelfont_fuzz::fail("default font information written again differs");
   return sum & 0;
 }

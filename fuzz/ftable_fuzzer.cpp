@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "base/Log.h"
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontInfoSerializer.h"
 #include "common/registry/FontTable.h"
@@ -16,9 +15,8 @@ using qro_common::FontInfo;
 using qro_common::FontInfoSerializer;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  qro_base::setLogHook([](int, const char*, const char*, void*) {}, nullptr);
+  if (!kelfont_fuzz::takeInput("FInfo/Ftable", data, size)) return 0;
   const std::string& base = kelfont_fuzz::scratch();
-  if (!kelfont_fuzz::writeWhole(base + "FInfo/Ftable", data, size)) return 0;
 
   std::string directory = base;
   std::vector<const std::string*> directories{&directory, &directory};

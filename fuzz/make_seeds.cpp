@@ -7,10 +7,10 @@
 // ftable/    cache tables of the fonts' records (serializer)
 // fdata/     their data files, and one with a compacted range
 // fi/        default font information of the fonts
-// fc/ df/ sf/  short lists naming the fuzz targets' fonts
-// package/   a package of the above (zip writer)
-// run/       a style byte and UTF-16LE runs: emoji sequences, complex
-//            scripts, unpaired surrogates
+// package/   a package of the above (zip writer), with the lists of the
+//            committed seeds fc/chains, df/groups and sf/scripts
+//
+// The seeds of fc/, df/, sf/ and run/ are written by hand and kept as they are.
 
 #include <sys/stat.h>
 
@@ -36,9 +36,9 @@ namespace {
 
 using qro_common::FontInfo;
 
-const char* const kFonts[] = {"basic.ttf",    "bold.ttf",          "collection.ttc", "symbol.ttf",
-                              "supplementary.ttf", "cjk_flag.ttf",  "cff.otf",        "nohead.ttf",
-                              "vertical.ttf", "emoji_name.ttf",    "macroman.ttf",   "noos2.ttf",
+const char* const kFonts[] = {"basic.ttf",         "bold.ttf",       "collection.ttc", "symbol.ttf",
+                              "supplementary.ttf", "cjk_flag.ttf",   "cff.otf",        "nohead.ttf",
+                              "vertical.ttf",      "emoji_name.ttf", "macroman.ttf",   "noos2.ttf",
                               "gpos_kern.ttf"};
 
 std::string readWhole(const std::string& path) {
@@ -66,8 +66,9 @@ int main(int argc, char** argv) {
   }
   const std::string fonts = std::string(argv[1]) + "/";
   const std::string corpus = std::string(argv[2]) + "/";
-  for (const char* target : {"analyzer", "ftable", "fdata", "fi", "fc", "df", "sf", "package", "run"}) {
-    if (!check(qro_base::confirmFilePathExists((corpus + target).c_str()), corpus + target)) return 1;
+  for (const char* target : {"analyzer", "ftable", "fdata", "fi", "package"}) {
+    if (!check(qro_base::confirmFilePathExists((corpus + target).c_str()), corpus + target))
+      return 1;
   }
   // The serializer writes under a staging folder; the seeds are copied out.
   const std::string staging = corpus + ".staging/";
@@ -106,7 +107,8 @@ int main(int argc, char** argv) {
     zipped.SetInfoIndex(99);
     auto* metrics = new qro_common::CharMetricsInfo();
     auto* latin = new qro_common::SingleCharMetricsRange(0, 127);
-    for (unsigned code = 0x20; code < 0x7F; ++code) latin->Set(code, new qro_common::CharMetrics(600));
+    for (unsigned code = 0x20; code < 0x7F; ++code)
+      latin->Set(code, new qro_common::CharMetrics(600));
     metrics->SetCharMetricsRange(0, latin);
     metrics->ZipCharMetricsRanges();
     zipped.SetCharMetricsInfo(metrics);
@@ -145,13 +147,10 @@ int main(int argc, char** argv) {
   std::string fi = readWhole(serializer.GetDefaultFontInfoPath());
   writeWhole(corpus + "fi/fonts", fi);
 
-  // The lists name the fonts that the list targets register.
-  const std::string fc = "# chains\nAlpha\nBeta\nGhost\n\nGamma\nDelta\nUnknown\n\nAlpha\nGamma\n\n";
-  const std::string df = "\r\nAlpha\r\n\nNobody\nBeta\n\nGhost\n\nGamma\n\nDelta\n\nAlpha\n";
-  const std::string sf = "# scripts\n0\nAlpha\n56\nBeta\nGamma\n127\nDelta\n12 Alpha\n3\nGhost\nAlpha";
-  writeWhole(corpus + "fc/chains", fc);
-  writeWhole(corpus + "df/groups", df);
-  writeWhole(corpus + "sf/scripts", sf);
+  const std::string fc = readWhole(corpus + "fc/chains");
+  const std::string df = readWhole(corpus + "df/groups");
+  const std::string sf = readWhole(corpus + "sf/scripts");
+  if (!check(!fc.empty() && !df.empty() && !sf.empty(), "the list seeds")) return 1;
 
   // The package: table of the first three faces, their data, the lists.
   {
@@ -164,28 +163,13 @@ int main(int argc, char** argv) {
     for (const auto& [name, bytes] : entries) {
       qro_base::ZipEntry entry(name, static_cast<int64_t>(bytes.size()));
       if (!check(zip.PutNextEntry(entry) &&
-                     zip.Write(bytes.data(), static_cast<unsigned>(bytes.size())) && zip.CloseEntry(),
+                     zip.Write(bytes.data(), static_cast<unsigned>(bytes.size())) &&
+                     zip.CloseEntry(),
                  "package entry " + name)) {
         return 1;
       }
     }
     if (!check(zip.Close(), "package")) return 1;
-  }
-
-  const std::pair<const char*, std::u16string> runs[] = {
-      {"family", u"\U0001F468\u200D\U0001F469\u200D\U0001F467"},
-      {"arabic", u"\u0645\u0631\u062D\u0628\u0627 abc"},
-      {"devanagari", u"\u0915\u094D\u0937\u0924\u094D\u0930\u093F\u092F"},
-      {"flags-keycap", u"\U0001F1F0\U0001F1F7\U0001F1FA1\uFE0F\u20E3"},
-      {"hangul-jamo", u"\u1100\u1161\u11A8\uAC00 Hello"},
-      {"lone-surrogates", std::u16string{0xD800, u'a', 0xDC00, u'\r', u' '}}};
-  for (const auto& [name, text] : runs) {
-    std::string bytes(1, '\x10');
-    for (char16_t unit : text) {
-      bytes += static_cast<char>(unit & 0xFF);
-      bytes += static_cast<char>(unit >> 8);
-    }
-    writeWhole(corpus + "run/" + name, bytes);
   }
 
   for (FontInfo* info : infos) delete info;

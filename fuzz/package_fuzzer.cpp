@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "base/FileUtils.h"
-#include "base/Log.h"
 #include "base/ZipEntry.h"
 #include "base/ZipEntryInputStream.h"
 #include "base/ZipFile.h"

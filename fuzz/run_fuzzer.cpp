@@ -12,7 +12,6 @@
 #include <string>
 #include <vector>
 
-#include "base/Log.h"
 #include "common/manager/WordCache.h"
 #include "fuzz/FuzzSupport.h"
 #include "native/DefaultFontInfoFileExtracter.h"

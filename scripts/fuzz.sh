@@ -5,9 +5,9 @@
 # crash, a leak, a sanitizer report, a timeout or a broken property.
 #
 #   scripts/fuzz.sh [SECONDS] [TARGET...]   default: 60 s, every target
-#   scripts/fuzz.sh --seeds                 rewrites fuzz/corpus/ from the
-#                                           library's writers (needs the
-#                                           test fonts of build/)
+#   scripts/fuzz.sh --seeds                 rewrites the seeds of fuzz/corpus/
+#                                           that the library's writers make
+#                                           (needs the test fonts of build/)
 #
 # The committed seeds (fuzz/corpus/TARGET) are read only; what a run
 # discovers goes to build-fuzz/corpus/TARGET and is reused by later runs.
@@ -22,7 +22,7 @@ nice -n 10 cmake --build "$dir" -j2 >/dev/null
 if [ "${1:-}" = "--seeds" ]; then
   fonts=build/tests/fonts
   [ -f "$fonts/fonts.txt" ] || { echo "fuzz: build the tests first (cmake --build build)"; exit 1; }
-  rm -rf fuzz/corpus
+  rm -rf fuzz/corpus/{analyzer,ftable,fdata,fi,package}
   "$dir/make_seeds" "$fonts" fuzz/corpus
   echo "fuzz: seeds written to fuzz/corpus"
   exit 0

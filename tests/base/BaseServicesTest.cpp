@@ -18,25 +18,21 @@ using qro_base::confirmFilePathExists;
 using qro_base::Environment;
 using qro_base::isFileExists;
 
-TEST(Log, ProfileLinesCarryPrioritySixAndTheTag) {
-  kelfont_test::LogCapture capture;
-  qro_base::logProfile("Elapsed Time of ZipFile == %.3f sec", 0.0125);
-  auto lines = capture.lines();
-  ASSERT_EQ(lines.size(), 1u);
-  EXPECT_EQ(lines[0].priority, 6);
-  EXPECT_EQ(lines[0].tag, "QRO-NATIVE-PROFILE");
-  EXPECT_EQ(lines[0].message, "Elapsed Time of ZipFile == 0.013 sec");
-}
-
-TEST(Log, LongLinesAreNotCut) {
-  kelfont_test::LogCapture capture;
-  std::string longText(3000, 'x');
-  qro_base::androidLogPrint(6, "T", "%s|", longText.c_str());
-  ASSERT_EQ(capture.messages().size(), 1u);
-  EXPECT_EQ(capture.messages()[0], longText + "|");
-}
-
-TEST(Log, WithoutHookLinesGoToStandardError) {
+// Profile lines carry priority 6 and the tag, long lines are not cut, and
+// without a hook lines go to standard error.
+TEST(Log, LinesReachTheHookWholeOrStandardError) {
+  {
+    kelfont_test::LogCapture capture;
+    qro_base::logProfile("Elapsed Time of ZipFile == %.3f sec", 0.0125);
+    const std::string longText(3000, 'x');
+    qro_base::androidLogPrint(6, "T", "%s|", longText.c_str());
+    auto lines = capture.lines();
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[0].priority, 6);
+    EXPECT_EQ(lines[0].tag, "QRO-NATIVE-PROFILE");
+    EXPECT_EQ(lines[0].message, "Elapsed Time of ZipFile == 0.013 sec");
+    EXPECT_EQ(lines[1].message, longText + "|");
+  }
   testing::internal::CaptureStderr();
   qro_base::logProfile("hello %d", 42);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "E/QRO-NATIVE-PROFILE: hello 42\n");
@@ -79,15 +75,9 @@ bool isDirectory(const std::string& path) {
   return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-TEST(FileUtils, IsFileExistsSeesFilesAndDirectories) {
-  TempDir dir;
-  ASSERT_TRUE(kelfont_test::writeFile(dir.file("f"), ""));
-  EXPECT_TRUE(isFileExists(dir.file("f").c_str()));
-  EXPECT_TRUE(isFileExists(dir.path().c_str()));
-  EXPECT_FALSE(isFileExists(dir.file("missing").c_str()));
-  EXPECT_FALSE(isFileExists(nullptr));
-}
-
+// Every component is created (mode 0775 under a zero umask), the last one
+// too, trailing separator or not, and backslashes separate as well; what
+// exists is accepted, even a plain file, but nothing below a file.
 TEST(FileUtils, ConfirmFilePathExistsCreatesEveryComponent) {
   TempDir dir;
   mode_t saved = umask(0);
@@ -100,22 +90,21 @@ TEST(FileUtils, ConfirmFilePathExistsCreatesEveryComponent) {
     EXPECT_TRUE(S_ISDIR(info.st_mode)) << part;
     EXPECT_EQ(info.st_mode & 07777, 0775u) << part;
   }
-  // The last component is a directory too, trailing separator or not, and
-  // backslashes separate as well.
   EXPECT_TRUE(confirmFilePathExists(dir.file("a/b/d").c_str()));
   EXPECT_TRUE(isDirectory(dir.file("a/b/d")));
   EXPECT_TRUE(confirmFilePathExists(dir.file("p\\q").c_str()));
   EXPECT_TRUE(isDirectory(dir.file("p\\q")));
-}
-
-TEST(FileUtils, ConfirmFilePathExistsAcceptsWhatExistsAndFailsBelowAFile) {
-  TempDir dir;
   ASSERT_TRUE(kelfont_test::writeFile(dir.file("f"), "x"));
   EXPECT_TRUE(confirmFilePathExists("/"));
-  EXPECT_TRUE(confirmFilePathExists(dir.file("f").c_str()));  // even a plain file
+  EXPECT_TRUE(confirmFilePathExists(dir.file("f").c_str()));
   EXPECT_FALSE(confirmFilePathExists(dir.file("f/sub/deeper").c_str()));
   EXPECT_FALSE(confirmFilePathExists(""));
   EXPECT_FALSE(confirmFilePathExists(nullptr));
+  // isFileExists sees files and folders.
+  EXPECT_TRUE(isFileExists(dir.file("f").c_str()));
+  EXPECT_TRUE(isFileExists(dir.path().c_str()));
+  EXPECT_FALSE(isFileExists(dir.file("missing").c_str()));
+  EXPECT_FALSE(isFileExists(nullptr));
 }
 
 }  // namespace

@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "base/CharacterType.h"
 #include "base/CharacterTypeData.h"
@@ -18,14 +21,22 @@ const char* const kUcdDir = "/usr/share/unicode";
 // ---------------------------------------------------------------------------
 // Examples and documented edges.
 
+// The space flag against PropList.txt's White_Space, read here.
 TEST(CharacterTypeFlags, WhiteSpaceIsExactlyTheUnicodeSet) {
-  auto isSpace = [](unsigned cp) {
-    return (cp >= 0x09 && cp <= 0x0D) || cp == 0x20 || cp == 0x85 || cp == 0xA0 || cp == 0x1680 ||
-           (cp >= 0x2000 && cp <= 0x200A) || cp == 0x2028 || cp == 0x2029 || cp == 0x202F ||
-           cp == 0x205F || cp == 0x3000;
-  };
+  std::ifstream props(std::string(kUcdDir) + "/PropList.txt");
+  if (!props) GTEST_SKIP() << "Unicode Character Database not found in " << kUcdDir;
+  std::vector<bool> space(0x10000, false);
+  for (std::string line; std::getline(props, line);) {
+    unsigned first = 0, last = 0;
+    char name[32] = {};
+    const int n = std::sscanf(line.c_str(), "%x..%x ; %31s", &first, &last, name);
+    if (n < 2 && std::sscanf(line.c_str(), "%x ; %31s", &first, name) == 2) last = first;
+    if (std::string(name) != "White_Space") continue;
+    for (unsigned cp = first; cp <= last && cp < 0x10000; ++cp) space[cp] = true;
+  }
+  EXPECT_EQ(std::count(space.begin(), space.end(), true), 25);
   for (unsigned cp = 0; cp < 0x10000; ++cp) {
-    EXPECT_EQ((CharacterType::charTypes[cp] & CharacterType::kSpace) != 0, isSpace(cp))
+    EXPECT_EQ((CharacterType::charTypes[cp] & CharacterType::kSpace) != 0, space[cp])
         << std::hex << cp;
   }
 }

@@ -6,10 +6,13 @@
 
 #include <atomic>
 #include <chrono>
+#include <memory>
+#include <string>
 #include <thread>
 #include <vector>
 
 #include "base/DeferredDeleter.h"
+#include "tests/support/Cases.h"
 
 namespace {
 
@@ -26,43 +29,31 @@ struct Counted {
 };
 std::atomic<int> Counted::alive{0};
 
-TEST(DeferredDeleter, AReaderKeepsWhatItMayHoldAndOnlyThat) {
-  {
-    DeferredDeleter deleter;
-    deleter.Retire(new Counted(1));
-    EXPECT_EQ(deleter.PendingCount(), 1u);
-    deleter.Collect();  // no reader: freed after the second generation change
-    EXPECT_EQ(deleter.PendingCount(), 0u);
-    EXPECT_EQ(Counted::alive.load(), 0);
-
+// Scripts of calls on one deleter (tests/data/deferred_deletions.tsv), one
+// character a call: r retires an object, 0 retires nothing, c collects,
+// [ enters a read section and ] leaves the innermost; p answers how many
+// are pending, a how many objects are alive, the others '.'. The deleter's
+// destructor deletes what is left.
+TEST(DeferredDeleter, Scripts) {
+  for (const kelfont_test::Case& c : kelfont_test::cases("deferred_deletions.tsv")) {
+    std::string said;
     {
-      DeferredDeleter::ReadSection reader(deleter);
-      deleter.Retire(new Counted(2));
-      for (int i = 0; i < 5; ++i) deleter.Collect();
-      EXPECT_EQ(Counted::alive.load(), 1);  // the reader may still hold it
-      {
-        // Sections nest; one entered after the retirement blocks nothing
-        // more.
-        DeferredDeleter::ReadSection inner(deleter);
-        deleter.Collect();
-        EXPECT_EQ(Counted::alive.load(), 1);
+      DeferredDeleter deleter;
+      std::vector<std::unique_ptr<DeferredDeleter::ReadSection>> sections;
+      for (char op : c[0]) {
+        if (op == 'r') deleter.Retire(new Counted(1));
+        if (op == '0') deleter.Retire<Counted>(nullptr);
+        if (op == 'c') deleter.Collect();
+        if (op == '[') sections.push_back(std::make_unique<DeferredDeleter::ReadSection>(deleter));
+        if (op == ']') sections.pop_back();
+        said += op == 'p'   ? std::to_string(deleter.PendingCount())
+                : op == 'a' ? std::to_string(Counted::alive.load())
+                            : ".";
       }
     }
-    deleter.Collect();
-    deleter.Collect();
-    EXPECT_EQ(Counted::alive.load(), 0);
-
-    // A reader that entered after a retirement does not hold it back.
-    deleter.Retire(new Counted(3));
-    DeferredDeleter::ReadSection late(deleter);
-    deleter.Collect();
-    EXPECT_EQ(Counted::alive.load(), 0);
-    deleter.Retire(new Counted(4));
-    deleter.Retire<Counted>(nullptr);
-    EXPECT_EQ(deleter.PendingCount(), 1u);
+    EXPECT_EQ(said, c[1]) << c.line;
+    EXPECT_EQ(Counted::alive.load(), 0) << c.line;
   }
-  // The destructor deletes what is left.
-  EXPECT_EQ(Counted::alive.load(), 0);
 }
 
 // Readers keep reading the published object while a writer replaces it and

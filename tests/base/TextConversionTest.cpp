@@ -13,14 +13,6 @@
 
 namespace {
 
-using qro_base::u16string;
-
-u16string u16(const char* ascii) {
-  u16string result;
-  for (const char* p = ascii; *p; ++p) result.push_back(static_cast<unsigned char>(*p));
-  return result;
-}
-
 std::string narrow(const unsigned short* text) {
   std::string result;
   for (; *text; ++text) result.push_back(static_cast<char>(*text));
@@ -41,17 +33,6 @@ TEST(Utf8ByteCount, EveryByteByItsLeadingOnes) {
     int expected = b <= 0x7E ? 1 : (ones >= 2 && ones <= 6) ? ones : 7;
     EXPECT_EQ(qro_base::getUtf8CharByteCount(static_cast<unsigned char>(b)), expected) << b;
   }
-}
-
-TEST(Uint32ToString, DigitsEndAtTheLastByteAndSmallBuffersAreLeftAlone) {
-  std::vector<char> exact(11, 'x');
-  EXPECT_EQ(qro_base::uint32ToString(4294967295u, exact.data(), 11), exact.data());
-  EXPECT_STREQ(exact.data(), "4294967295");
-  char buffer[4] = {'a', 'b', 'c', 'd'};
-  EXPECT_STREQ(qro_base::uint32ToString(7, buffer, 4), "7");
-  EXPECT_EQ(buffer[1], 'b');
-  EXPECT_EQ(qro_base::uint32ToString(1234, buffer, 4), nullptr);
-  EXPECT_EQ(qro_base::uint32ToString(1, nullptr, 10), nullptr);
 }
 
 TEST(IntegerToArray, AgreesWithTheCLibraryAndExtremesFitTheDocumentedBuffers) {
@@ -94,21 +75,6 @@ TEST(FloatToArray, AgreesWithTheCLibraryAwayFromTies) {
 TEST(FloatToArray, TheDocumentedBufferIsEnough) {
   std::vector<char> exact(4 + 1 + 2);  // 4 + fraction digits + integer digits
   EXPECT_STREQ(qro_base::FloatToArray(-9.996, 2, exact.data(), true), "-10.00");
-}
-
-// Unit by unit, flagged units only: titlecase U+1F88 and Glagolitic (flagged
-// but outside the tables) stay; surrogates are copied; in place works.
-TEST(CaseConversion, MapsFlaggedUnitsOnly) {
-  u16string out = u16("garbage");
-  qro_base::toLowerCase(u16string{'A', 0x212A, 0x1F88, 0x2C00, 0xD801, 0xDC00}, out);
-  EXPECT_EQ(out, (u16string{'a', 'k', 0x1F88, 0x2C00, 0xD801, 0xDC00}));
-  u16string text = u16("Hello");
-  qro_base::toUpperCase(text, text);
-  EXPECT_EQ(text, u16("HELLO"));
-  testing::internal::CaptureStdout();  // printStr16 prints nothing
-  testing::internal::CaptureStderr();
-  qro_base::printStr16(u16string{'o', 'k', 0xD800});
-  EXPECT_EQ(testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr(), "");
 }
 
 }  // namespace

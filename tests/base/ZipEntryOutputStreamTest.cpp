@@ -14,24 +14,16 @@
 namespace {
 
 using kelfont_test::TempDir;
-using Listing = std::vector<std::pair<std::string, int64_t>>;
 
-std::string le16(unsigned value) {
-  return {static_cast<char>(value & 0xFF), static_cast<char>((value >> 8) & 0xFF)};
-}
-
-// The MS-DOS time and date fields of a zip header for a local time.
-std::string dosTimeDate(const std::tm& t) {
-  unsigned time = (t.tm_hour << 11) | (t.tm_min << 5) | (t.tm_sec / 2);
-  unsigned date = ((t.tm_year - 80) << 9) | ((t.tm_mon + 1) << 5) | t.tm_mday;
-  return le16(time) + le16(date);
-}
-
-std::tm localNow() {
-  std::time_t now = std::time(nullptr);
-  std::tm local;
-  localtime_r(&now, &local);
-  return local;
+// The MS-DOS time and date fields of a zip header for the local time now.
+std::string dosStampNow() {
+  const std::time_t now = std::time(nullptr);
+  std::tm t;
+  localtime_r(&now, &t);
+  const unsigned time = (t.tm_hour << 11) | (t.tm_min << 5) | (t.tm_sec / 2);
+  const unsigned date = ((t.tm_year - 80) << 9) | ((t.tm_mon + 1) << 5) | t.tm_mday;
+  return {static_cast<char>(time & 0xFF), static_cast<char>(time >> 8),
+          static_cast<char>(date & 0xFF), static_cast<char>(date >> 8)};
 }
 
 bool put(qro_base::ZipEntryOutputStream& out, const std::string& name, const std::string& bytes) {
@@ -46,14 +38,14 @@ bool put(qro_base::ZipEntryOutputStream& out, const std::string& name, const std
 TEST(ZipEntryOutputStream, WritesTheExpectedBytesOnDisk) {
   TempDir dir;
   std::string path = dir.file("hello.zip");
-  std::tm before = localNow();
+  const std::string before = dosStampNow();
   {
     qro_base::ZipEntryOutputStream out(path.c_str());
     ASSERT_TRUE(out.IsOpen());
     ASSERT_TRUE(put(out, "hello.txt", "hello"));
     EXPECT_TRUE(out.Close());
   }
-  std::tm after = localNow();
+  const std::string after = dosStampNow();
   std::string bytes = kelfont_test::readFile(path);
   ASSERT_EQ(bytes.size(), 123u);
 
@@ -66,7 +58,7 @@ TEST(ZipEntryOutputStream, WritesTheExpectedBytesOnDisk) {
       "00000000 00000000 68656C6C6F2E747874"
       "504B0506 0000 0000 0100 0100 37000000 2E000000 0000");
   std::string stamp = bytes.substr(10, 4);
-  EXPECT_TRUE(stamp == dosTimeDate(before) || stamp == dosTimeDate(after));
+  EXPECT_TRUE(stamp == before || stamp == after);
   for (size_t at : {size_t{10}, size_t{46 + 12}}) expected.replace(at, 4, stamp);
   EXPECT_EQ(kelfont_test::escape(bytes), kelfont_test::escape(expected));
 }
@@ -80,9 +72,9 @@ TEST(ZipEntryOutputStream, RoundTripsThroughPython) {
   TempDir dir;
   std::string path = dir.file("round.zip");
   ASSERT_TRUE(kelfont_test::writeFile(path, std::string(100000, 'z')));
-  std::string binary;
-  for (int i = 0; i < 4; ++i) binary += kelfont_test::storedBytes();
-  std::string text = kelfont_test::deflatedText();
+  std::string binary, text;
+  for (int i = 0; i < 1024; ++i) binary += static_cast<char>(i);
+  for (int i = 0; i < 1000; ++i) text += "line " + std::to_string(i) + "\n";
   const std::string tooLong(65536, 'x');
   {
     qro_base::ZipEntryOutputStream out(path.c_str());
@@ -122,34 +114,6 @@ with zipfile.ZipFile(sys.argv[1]) as z:
             "Ftable 8890 8 66ddbfc9 8890\n"
             "Fdata/12 0 8 00000000 \n"
             "65535 4 8 fa501b18 66697473\n");
-}
-
-TEST(ZipEntryOutputStream, WritesNeedAnOpenEntryAndBytes) {
-  TempDir dir;
-  std::string path = dir.file("w.zip");
-  qro_base::ZipEntryOutputStream out(path.c_str());
-  ASSERT_TRUE(out.IsOpen());
-  EXPECT_FALSE(out.Write("abc", 3));  // no entry yet
-  EXPECT_FALSE(out.CloseEntry());
-  qro_base::ZipEntry entry("a", 0);
-  ASSERT_TRUE(out.PutNextEntry(entry));
-  EXPECT_FALSE(out.Write('x'));
-  EXPECT_FALSE(out.Write("abc", 0));
-  EXPECT_FALSE(out.Write(nullptr, 3));
-  EXPECT_TRUE(out.Write("abc", 3));
-  EXPECT_TRUE(out.CloseEntry());
-  EXPECT_FALSE(out.Write("abc", 3));  // the entry is ended
-  EXPECT_TRUE(out.Close());
-  EXPECT_FALSE(out.Close());
-  testing::internal::CaptureStdout();
-  EXPECT_FALSE(out.PutNextEntry(entry));  // the archive is finished
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "error in opening a in zipfile\n");
-  qro_base::ZipFile zip(path.c_str(), false);
-  EXPECT_EQ(kelfont_test::listing(zip), (Listing{{"a", 3}}));
-  qro_base::ZipEntryOutputStream unopened(dir.file("no/such/folder/a.zip").c_str());
-  EXPECT_FALSE(unopened.IsOpen());
-  EXPECT_FALSE(unopened.Write("abc", 3));
-  EXPECT_FALSE(unopened.Close());
 }
 
 }  // namespace

@@ -15,7 +15,6 @@
 namespace {
 
 using kelfont_test::TempDir;
-using Listing = std::vector<std::pair<std::string, int64_t>>;
 
 // Every case runs once with zziplib (true) and once with minizip (false).
 class ZipFileBackEnd : public ::testing::TestWithParam<bool> {
@@ -34,22 +33,28 @@ std::string backEndName(const ::testing::TestParamInfo<bool>& info) {
   return info.param ? "ZZip" : "MiniZip";
 }
 
-TEST_P(ZipFileBackEnd, ListsAndReadsAnIndependentlyWrittenArchive) {
-  std::string path = kelfont_test::writePythonArchive(dir_);
+// Every entry lists and reads as Python's zipfile module extracted it, but
+// those of methods the readers do not take and the damaged one; reading an
+// entry again starts again from its first byte.
+TEST_P(ZipFileBackEnd, ListsAndReadsEveryEntryAsPythonDoes) {
+  std::string manifest;
+  std::string path = kelfont_test::writePythonArchive(dir_, &manifest);
   ASSERT_FALSE(path.empty());
   kelfont_test::LogCapture capture;
   {
     qro_base::ZipFile zip(path.c_str(), zzip());
-    Listing expected = {{"Fdata/", 0},   {"Fdata/0", 256}, {"Ftable", 8890},  {"fc", 0},
-                        {"bzip2", 8890}, {"lzma", 8890},   {"corrupt", 8890}, {"deflate", 3}};
-    EXPECT_EQ(kelfont_test::listing(zip), expected);
-    bool ok = false;
-    EXPECT_EQ(kelfont_test::readEntry(zip, "Fdata/0", &ok), kelfont_test::storedBytes());
-    EXPECT_TRUE(ok);
-    EXPECT_EQ(kelfont_test::readEntry(zip, "Ftable", &ok), kelfont_test::deflatedText());
-    EXPECT_TRUE(ok);
-    // Reading an entry a second time starts again from its first byte.
-    EXPECT_EQ(kelfont_test::readEntry(zip, "Fdata/0", &ok), kelfont_test::storedBytes());
+    EXPECT_EQ(kelfont_test::listing(zip), manifest);
+    for (int pass = 0; pass < 2; ++pass) {
+      for (const qro_base::ZipEntry* entry : zip.GetEntries()) {
+        const std::string& name = entry->GetName();
+        bool ok = false;
+        const std::string bytes = kelfont_test::readEntry(zip, name.c_str(), &ok);
+        EXPECT_EQ(ok, name != "bzip2" && name != "lzma" && name != "corrupt") << name;
+        if (ok && name.back() != '/') {
+          EXPECT_EQ(bytes, kelfont_test::readFile(path + ".d/" + name)) << name;
+        }
+      }
+    }
     // The back end stops at the end of the entry.
     ASSERT_TRUE(zip.GetImpl()->OpenEntry("Fdata/0"));
     std::vector<char> buffer(256);
@@ -122,14 +127,15 @@ for target in range(65530, 65575, 3):
   EXPECT_EQ(kelfont_test::readEntry(zip, name255.c_str(), &ok), "255");
   EXPECT_TRUE(ok);
   if (zzip()) {
-    EXPECT_EQ(kelfont_test::listing(zip), (Listing{{longName, 9}, {name255, 3}, {name65000, 2}}));
+    EXPECT_EQ(kelfont_test::listing(zip),
+              longName + " 9\n" + name255 + " 3\n" + name65000 + " 2\n");
     EXPECT_EQ(kelfont_test::readEntry(zip, longName.c_str(), &ok), "long name");
     EXPECT_EQ(kelfont_test::readEntry(zip, name65000.c_str(), &ok), "ok");
     EXPECT_TRUE(ok);
   } else {
     std::string cut = longName.substr(0, 256);
     EXPECT_EQ(kelfont_test::listing(zip),
-              (Listing{{cut, 9}, {name255, 3}, {name65000.substr(0, 256), 2}}));
+              cut + " 9\n" + name255 + " 3\n" + name65000.substr(0, 256) + " 2\n");
     EXPECT_EQ(zip.GetEntry(longName.c_str()), nullptr);
     qro_base::ZipEntryInputStream in(zip, cut.c_str());
     ASSERT_TRUE(in.IsOpen());

@@ -4,19 +4,7 @@
 
 namespace kelfont_test {
 
-std::string storedBytes() {
-  std::string bytes;
-  for (int i = 0; i < 256; ++i) bytes += static_cast<char>(i);
-  return bytes;
-}
-
-std::string deflatedText() {
-  std::string text;
-  for (int i = 0; i < 1000; ++i) text += "line " + std::to_string(i) + "\n";
-  return text;
-}
-
-std::string writePythonArchive(const TempDir& dir) {
+std::string writePythonArchive(const TempDir& dir, std::string* manifest) {
   static const char kProgram[] = R"(
 import sys, zipfile
 text = ''.join('line %d\n' % i for i in range(1000)).encode()
@@ -30,6 +18,10 @@ with zipfile.ZipFile(sys.argv[1], 'w') as z:
     z.writestr('corrupt', text, compress_type=zipfile.ZIP_DEFLATED)
     z.writestr('deflate', b'abc', compress_type=zipfile.ZIP_DEFLATED)
     info = z.getinfo('corrupt')
+with zipfile.ZipFile(sys.argv[1]) as z:
+    z.extractall(sys.argv[1] + '.d')
+    for i in z.infolist():
+        print(i.filename, i.file_size)
 data = bytearray(open(sys.argv[1], 'rb').read())
 start = info.header_offset + 30 + len(info.filename) + len(info.extra)
 # 0xFF starts a final block of the reserved type 3: invalid at once.
@@ -37,14 +29,14 @@ data[start:start + info.compress_size] = b'\xff' * info.compress_size
 open(sys.argv[1], 'wb').write(data)
 )";
   std::string path = dir.file("python.zip");
-  if (!runPython(kProgram, {path})) return "";
+  if (!runPython(kProgram, {path}, manifest)) return "";
   return path;
 }
 
-std::vector<std::pair<std::string, int64_t>> listing(const qro_base::ZipFile& zip) {
-  std::vector<std::pair<std::string, int64_t>> out;
+std::string listing(const qro_base::ZipFile& zip) {
+  std::string out;
   for (const qro_base::ZipEntry* entry : zip.GetEntries()) {
-    out.emplace_back(entry->GetName(), entry->GetSize());
+    out += entry->GetName() + " " + std::to_string(entry->GetSize()) + "\n";
   }
   return out;
 }

@@ -13,20 +13,17 @@
 
 namespace kelfont_test {
 
-// The bytes 0 to 255 in order (stored uncompressed in the Python archive).
-std::string storedBytes();
-// "line 0\n" ... "line 999\n" (stored deflated in the Python archive).
-std::string deflatedText();
+// Writes dir/python.zip with Python's zipfile module and returns its path;
+// Python extracts every entry into dir/python.zip.d/ first and lists them
+// ("NAME SIZE" lines) into *manifest. Entries in order: the folder "Fdata/",
+// "Fdata/0" (the bytes 0 to 255, stored), "Ftable" ("line 0\n" .. "line
+// 999\n", deflated), "fc" (empty, deflated), then that text as "bzip2" and
+// "lzma" (methods the readers do not take) and as "corrupt" (deflated, its
+// data overwritten afterwards), and "deflate" ("abc").
+std::string writePythonArchive(const TempDir& dir, std::string* manifest = nullptr);
 
-// Writes dir/python.zip with Python's zipfile module and returns its path.
-// Entries in order: the folder "Fdata/", "Fdata/0" (storedBytes(), stored),
-// "Ftable" (deflatedText(), deflated), "fc" (empty, deflated), then
-// deflatedText() as "bzip2" and "lzma" (methods the readers do not take) and
-// as "corrupt" (deflated, its data overwritten), and "deflate" ("abc").
-std::string writePythonArchive(const TempDir& dir);
-
-// The (name, size) pairs of the archive's entry list.
-std::vector<std::pair<std::string, int64_t>> listing(const qro_base::ZipFile& zip);
+// The archive's entry list: "NAME SIZE" lines.
+std::string listing(const qro_base::ZipFile& zip);
 
 // Reads an entry with one Read call of Available() bytes, as the package
 // extraction does, and closes it. ok is false when the stream did not open

@@ -53,14 +53,17 @@ std::string value(const std::string& text) {
 }
 
 // Writes DIR/qrfont.zip: NAME=VALUE entries ("|" or ";" between them), or a
-// package that is missing, no zip, cut short, or lying about its size.
+// package that is missing, no zip, cut short, lying about its size, or whose
+// entry has no local header.
 std::map<std::string, std::string> writePackage(const std::string& dir, const std::string& what) {
   std::map<std::string, std::string> entries;
   const std::string path = dir + "/qrfont.zip";
   if (what == "missing") return entries;
-  if (what == "notzip" || what == "cut") {
-    EXPECT_TRUE(writeFile(path, what == "cut" ? lyingArchive("Ftable", "table", 5).substr(0, 40)
-                                              : "Ftable\nfc\n" + std::string(3000, 'P')));
+  if (what == "notzip" || what == "cut" || what == "nolocal") {
+    const std::string archive = lyingArchive("Ftable", "table", 5);
+    EXPECT_TRUE(writeFile(path, what == "cut"       ? archive.substr(0, 40)
+                                : what == "nolocal" ? "PK\x03\x05" + archive.substr(4)
+                                                    : "Ftable\nfc\n" + std::string(3000, 'P')));
   }
   if (what.rfind("lying:", 0) == 0) {
     entries["Ftable"] = "table";
@@ -105,6 +108,16 @@ TEST(DefaultFontInfoFileExtracter, Lines) {
       if (op == 'x') return std::to_string(extracter.Extract(arg.c_str()));
       if (op == '?') return std::to_string(stat((data + arg).c_str(), &st) == 0);
       if (op == 'D') return std::to_string(rmdir((data + "FInfo/Fdata").c_str()));
+      if (op == 'E') {  // an extracter whose data folder is the environment's storage path
+        qro_base::Environment& environment = qro_base::ensureEnvironment();
+        const std::string* saved = environment.GetFileStoragePath();
+        std::string* previous = saved != nullptr ? new std::string(*saved) : nullptr;
+        environment.SetFileStoragePath(new std::string(data));
+        const bool extracted =
+            DefaultFontInfoFileExtracter(package + "/").ExtractScriptDefaultFontsList();
+        environment.SetFileStoragePath(previous);
+        return std::to_string(extracted);
+      }
       if (op == '=' && stat(file.c_str(), &st) != 0) return "none";
       if (op == '=') return readFile(file) == entries[arg] ? "entry" : escape(readFile(file));
       const std::string name = arg.substr(0, arg.find(',')), text = arg.substr(arg.find(',') + 1);
@@ -125,20 +138,6 @@ TEST(DefaultFontInfoFileExtracter, Lines) {
     for (std::string call; calls >> call;) said += run(call) + " ";
     EXPECT_EQ(said, c[2] + " ") << c.line;
   }
-}
-
-TEST(DefaultFontInfoFileExtracter, DataDirectoryComesFromTheEnvironment) {
-  kelfont_test::TempDir temp;
-  const std::string data = temp.path() + "/";
-  mkdir((data + "FInfo").c_str(), 0775);
-  writePackage(temp.path(), "sf=0\nArial\n;x=y");
-  qro_base::Environment& environment = qro_base::ensureEnvironment();
-  const std::string* saved = environment.GetFileStoragePath();
-  std::string* previous = saved != nullptr ? new std::string(*saved) : nullptr;
-  environment.SetFileStoragePath(new std::string(data));
-  EXPECT_TRUE(DefaultFontInfoFileExtracter(temp.path() + "/").ExtractScriptDefaultFontsList());
-  environment.SetFileStoragePath(previous);
-  EXPECT_EQ(readFile(data + "FInfo/sf"), "0\nArial\n");
 }
 
 }  // namespace

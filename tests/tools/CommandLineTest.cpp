@@ -86,18 +86,14 @@ TEST(CommandLine, ListFilesAreCheckedForWhatTheReadersWouldMisread) {
   }
 }
 
+// tests/data/progress_lines.tsv: label, done, total, name, the line.
 TEST(CommandLine, ProgressLineFitsOneTerminalLine) {
-  using kelfont_tool::ProgressBar;
-  EXPECT_EQ(ProgressBar::Render("analysing", 3, 12, "DejaVuSans.ttf"),
-            "analysing [######------------------] 3/12 DejaVuSans.ttf");
-  EXPECT_EQ(ProgressBar::Render("analysing", 9, 4, ""),
-            "analysing [########################] 4/4 ");
-  const std::string line =
-      ProgressBar::Render("analysing", 1, 2, std::string(40, 'x') + "한글한글");
-  EXPECT_EQ(line, "analysing [############------------] 1/2 " + std::string(38, 'x'));
-  const std::string korean =
-      ProgressBar::Render("analysing", 1, 2, std::string(36, 'x') + "한글한글");
-  EXPECT_EQ(korean, "analysing [############------------] 1/2 " + std::string(36, 'x') + "한글");
+  for (const kelfont_test::Case& c : kelfont_test::cases("progress_lines.tsv")) {
+    EXPECT_EQ(kelfont_tool::ProgressBar::Render(c[0], static_cast<std::size_t>(c.num(1)),
+                                                static_cast<std::size_t>(c.num(2)), c[3]),
+              c[4])
+        << c.line;
+  }
 }
 
 }  // namespace

@@ -1,16 +1,17 @@
-// The shipped lists of data/ with the free fonts of Debian: the package
-// builds without a list warning, every default font and every script
-// range finds a font, and characters fall back to fonts that have them.
+// The shipped lists: data/ with the free fonts of Debian, data/android/
+// with Android's own fonts. Every default group and script range finds a
+// font, and the roads of tests/data/default_lists.tsv end at the fonts
+// named there.
 
 #include <ft2build.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include FT_FREETYPE_H
 
-#include <dirent.h>
-
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <set>
 #include <sstream>
@@ -22,6 +23,7 @@
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontMetrics.h"
 #include "native/DefaultFontInfoFileExtracter.h"
+#include "tests/support/Cases.h"
 #include "tests/support/TempDir.h"
 #include "tests/tools/ToolTestSupport.h"
 #include "tools/kelfont/ToolFontManager.h"
@@ -40,21 +42,19 @@ std::map<unsigned, std::string> firstMappedPerBlock(const std::string& dir) {
   std::set<unsigned> mapped;
   FT_Library library;
   if (FT_Init_FreeType(&library) != 0) return {};
-  DIR* files = opendir(dir.c_str());
-  while (const dirent* entry = files != nullptr ? readdir(files) : nullptr) {
-    const std::string path = dir + "/" + entry->d_name;
+  for (const auto& entry : std::filesystem::directory_iterator(dir)) {
     for (long face = 0, faces = 1; face < faces; ++face) {
       FT_Face ft;
-      if (entry->d_name[0] == '.' || FT_New_Face(library, path.c_str(), face, &ft) != 0) break;
+      if (FT_New_Face(library, entry.path().c_str(), face, &ft) != 0) break;
       faces = ft->num_faces;
       FT_UInt glyph = 0;
-      for (FT_ULong c = FT_Get_First_Char(ft, &glyph); glyph != 0; c = FT_Get_Next_Char(ft, c, &glyph)) {
+      for (FT_ULong c = FT_Get_First_Char(ft, &glyph); glyph != 0;
+           c = FT_Get_Next_Char(ft, c, &glyph)) {
         mapped.insert(static_cast<unsigned>(c));
       }
       FT_Done_Face(ft);
     }
   }
-  if (files != nullptr) closedir(files);
   FT_Done_FreeType(library);
   std::map<unsigned, std::string> firsts;
   std::ifstream blocks("/usr/share/unicode/Blocks.txt");
@@ -80,7 +80,7 @@ float loadedRatio(const qro_common::FontInfo& info, unsigned code) {
       FT_New_Face(library, info.GetFilePath()->c_str(), info.GetFaceIndex(), &face) == 0) {
     // A bitmap-only face (Noto Color Emoji) has no em square in FreeType:
     // the cache's, from its `head` table, stands in.
-    const unsigned em = face->units_per_EM != 0 ? face->units_per_EM
+    const unsigned em = face->units_per_EM != 0            ? face->units_per_EM
                         : info.GetFontMetrics() != nullptr ? info.GetFontMetrics()->GetUnitsPerEm()
                                                            : 0;
     if (em != 0 && FT_Load_Char(face, code, FT_LOAD_NO_SCALE) == 0) {
@@ -92,34 +92,52 @@ float loadedRatio(const qro_common::FontInfo& info, unsigned code) {
   return ratio;
 }
 
-struct Fallback {
-  const char* font;
-  unsigned code;
-  const char* shownBy;
-};
-
-void expectRoads(const std::string& storage, const std::string& packageDir,
-                 const std::vector<Fallback>& roads, const char* shownByForCircledOne) {
-  qro_ni::DefaultFontInfoFileExtracter extracter(storage, packageDir);
-  kelfont_tool::ToolFontManager manager(&extracter, storage, kDebianFonts);
-  manager.Initialize();
-  const char* defaults[] = {"Liberation Sans", "DejaVu Sans", "NanumGothic", "DejaVu Sans",
-                            "DejaVu Sans"};
-  for (int n = 0; n < 5; ++n) EXPECT_EQ(manager.GetFontName(manager.GetDefaultFontIndex(n)), defaults[n]);
-  const std::vector<int>& scripts = manager.GetScriptDefaultFontList();
-  ASSERT_EQ(scripts.size(), 128u);
-  for (int range = 0; range < 128; ++range) EXPECT_GE(scripts[range], 0) << range;
-  std::vector<Fallback> all = roads;
-  // A font without a chain goes to the script default font of the range.
-  all.push_back({"DejaVu Sans Light", 0x2460, shownByForCircledOne});
-  for (const Fallback& road : all) {
-    int font = manager.GetFontIndex(road.font);
-    unsigned code = road.code;
-    ASSERT_GE(font, 0) << road.font;
-    manager.ConfirmVisibleChar(font, code, false, false);
-    EXPECT_EQ(manager.GetFontName(font), road.shownBy) << road.font << " " << road.code;
-    EXPECT_EQ(code, road.code);
+// Packs `lists` with the fonts of `folders` (standard error into *err) and
+// follows the lines of `set` with a manager on the package under each
+// locale the lines name; `more` checks the manager of the neutral locale.
+void expectLines(const std::string& set, const std::vector<std::string>& folders,
+                 const std::string& lists, const char* verbosity, std::string* err,
+                 const std::function<void(kelfont_tool::ToolFontManager&)>& more = nullptr) {
+  TempDir dir;
+  std::vector<std::string> args{"pack",   verbosity, "--lists", lists, "-o", dir.file("qrfont.zip"),
+                                "--fonts"};
+  args.insert(args.end(), folders.begin(), folders.end());
+  ASSERT_EQ(kelfont_test::runTool(args, nullptr, err), 0) << *err;
+  std::set<std::string> locales{"neutral"};
+  for (const kelfont_test::Case& c : kelfont_test::cases("default_lists.tsv")) {
+    if (c[0] == set && c[1] != "*") locales.insert(c[1]);
   }
+  qro_base::Environment& environment = qro_base::ensureEnvironment();
+  const qro_base::Locale previous = environment.GetUILocale();
+  for (const std::string& locale : locales) {
+    environment.SetUILocale(
+        locale == "neutral" ? previous : qro_base::Locale(locale.substr(0, 2), locale.substr(3)));
+    const std::string storage = dir.file(locale + "/");
+    qro_ni::DefaultFontInfoFileExtracter extracter(storage, dir.path() + "/");
+    kelfont_tool::ToolFontManager manager(&extracter, storage, folders);
+    manager.Initialize();
+    const std::vector<int>& scripts = manager.GetScriptDefaultFontList();
+    ASSERT_EQ(scripts.size(), 128u);
+    for (int range = 0; range < 128; ++range) EXPECT_GE(scripts[range], 0) << range;
+    for (const kelfont_test::Case& c : kelfont_test::cases("default_lists.tsv")) {
+      if (c[0] != set || (c[1] != "*" && c[1] != locale)) continue;
+      std::string shown;
+      for (int n = 0; c[2] == "defaults" && n < 5; ++n) {
+        shown += (n ? "|" : "") + manager.GetFontName(manager.GetDefaultFontIndex(n));
+      }
+      int font = manager.GetFontIndex(c[2]);
+      unsigned code = static_cast<unsigned>(c.num(3));
+      if (c[2] != "defaults") {
+        ASSERT_GE(font, 0) << c.line;
+        manager.ConfirmVisibleChar(font, code, false, false);
+        EXPECT_EQ(code, c.num(3)) << c.line;
+        shown = manager.GetFontName(font);
+      }
+      EXPECT_EQ(shown, c[4]) << locale << ": " << c.line;
+    }
+    if (more && locale == "neutral") more(manager);
+  }
+  environment.SetUILocale(previous);
 }
 
 TEST(DefaultLists, FreeDebianFontsFallBackSensibly) {
@@ -130,32 +148,9 @@ TEST(DefaultLists, FreeDebianFontsFallBackSensibly) {
                       "(scripts/install-deps.sh)";
     }
   }
-  TempDir dir;
   std::string err;
-  std::vector<std::string> args{"pack", "--quiet", "--lists", KELFONT_DATA_DIR, "-o",
-                                dir.file("qrfont.zip"), "--fonts"};
-  args.insert(args.end(), kDebianFonts.begin(), kDebianFonts.end());
-  ASSERT_EQ(kelfont_test::runTool(args, nullptr, &err), 0) << err;
+  expectLines("debian", kDebianFonts, KELFONT_DATA_DIR, "--quiet", &err);
   EXPECT_EQ(err, "");
-
-  const std::vector<Fallback> roads = {
-      {"Liberation Sans", 'A', "Liberation Sans"},
-      {"Liberation Sans", 0xC138, "NanumGothic"},  // Hangul
-      {"Liberation Sans", 0x6F22, "NanumGothic"},  // Han
-      {"Liberation Sans", 0x3042, "NanumGothic"},  // Hiragana
-      {"Liberation Sans", 0x2713, "DejaVu Sans"},  // Dingbats
-      {"NanumGothic", 0x0150, "Liberation Sans"},  // Latin Extended-A
-      {"DejaVu Sans Mono", 0xAC00, "NanumGothicCoding"},
-      {"Arial", 'A', "Liberation Sans"},  // fonts that documents ask for
-      {"Times New Roman", 'a', "Liberation Serif"},
-      {"\xEB\xA7\x91\xEC\x9D\x80 \xEA\xB3\xA0\xEB\x94\x95", 0xAC00, "NanumGothic"},  // 맑은 고딕
-  };
-  expectRoads(dir.file("neutral/"), dir.path() + "/", roads, "DejaVu Sans");
-  qro_base::Environment& environment = qro_base::ensureEnvironment();
-  const qro_base::Locale previous = environment.GetUILocale();
-  environment.SetUILocale(qro_base::Locale("ko", "KR"));
-  expectRoads(dir.file("korean/"), dir.path() + "/", roads, "NanumGothic");
-  environment.SetUILocale(previous);
 }
 
 // The lists of data/android/ with Android's own fonts: every name a list
@@ -169,13 +164,26 @@ TEST(DefaultLists, AndroidListsNameAndroidFonts) {
                     "scripts/android-fonts.sh DIR";
   }
   const std::string lists = std::string(KELFONT_DATA_DIR) + "/android";
-  TempDir dir;
   std::string err;
-  ASSERT_EQ(kelfont_test::runTool({"pack", "--verbose", "--lists", lists, "-o",
-                                   dir.file("qrfont.zip"), "--fonts", corpus},
-                                  nullptr, &err),
-            0)
-      << err;
+  // Asked of Roboto, a character of every block the corpus covers (with or
+  // without a range bit) is shown by a face that maps it, with its advance.
+  expectLines(
+      "android", {corpus}, lists, "--verbose", &err, [&](kelfont_tool::ToolFontManager& manager) {
+        const std::map<unsigned, std::string> blocks = firstMappedPerBlock(corpus);
+        EXPECT_GT(blocks.size(), 250u);
+        const int roboto = manager.GetFontIndex("Roboto");
+        for (const auto& block : blocks) {
+          int font = roboto;
+          unsigned code = block.first;
+          manager.ConfirmVisibleChar(font, code, false, false);
+          ASSERT_EQ(code, block.first) << block.second;
+          const qro_common::FontInfo* info = manager.GetFontInfo(font, false, false);
+          ASSERT_NE(info, nullptr) << block.second;
+          EXPECT_FLOAT_EQ(manager.GetCharAdvanceRatio(roboto, code, false, false),
+                          loadedRatio(*info, code))
+              << block.second << " U+" << std::hex << code << " in " << manager.GetFontName(font);
+        }
+      });
   std::set<std::string> requested;  // the first name of every chain block
   std::istringstream chains(kelfont_test::readFile(lists + "/fc"));
   bool blockStart = true;
@@ -192,50 +200,6 @@ TEST(DefaultLists, AndroidListsNameAndroidFonts) {
   for (std::string line; std::getline(lines, line);) {
     ASSERT_EQ(line.compare(0, note.size(), note), 0) << line;  // no warning, only fc
     EXPECT_EQ(requested.count(line.substr(note.size())), 1u) << line;
-  }
-
-  const std::string storage = dir.file("storage/");
-  qro_ni::DefaultFontInfoFileExtracter extracter(storage, dir.path() + "/");
-  kelfont_tool::ToolFontManager manager(&extracter, storage, {corpus});
-  manager.Initialize();
-  const char* defaults[] = {"Roboto", "Noto Sans", "Noto Sans CJK KR", "Noto Sans Arabic",
-                            "Noto Sans CJK KR"};
-  for (int n = 0; n < 5; ++n) EXPECT_EQ(manager.GetFontName(manager.GetDefaultFontIndex(n)), defaults[n]);
-  const std::vector<int>& scripts = manager.GetScriptDefaultFontList();
-  ASSERT_EQ(scripts.size(), 128u);
-  for (int range = 0; range < 128; ++range) EXPECT_GE(scripts[range], 0) << range;
-  const Fallback roads[] = {
-      {"Arial", 'A', "Roboto"},
-      {"Times New Roman", 'a', "Noto Serif"},
-      {"Courier New", 'A', "Noto Sans Mono CJK KR"},
-      {"\xEB\xA7\x91\xEC\x9D\x80 \xEA\xB3\xA0\xEB\x94\x95", 0xAC00, "Noto Sans CJK KR"},  // 맑은 고딕
-      {"Roboto", 0xAC00, "Noto Sans CJK KR"},
-      {"MS Mincho", 0x3042, "Noto Serif CJK JP"},
-      {"PMingLiU", 0x6F22, "Noto Serif CJK TC"},
-      {"Roboto", 0x05D0, "Noto Sans Hebrew"},  // a script default font
-  };
-  for (const Fallback& road : roads) {
-    int font = manager.GetFontIndex(road.font);
-    unsigned code = road.code;
-    ASSERT_GE(font, 0) << road.font;
-    manager.ConfirmVisibleChar(font, code, false, false);
-    EXPECT_EQ(manager.GetFontName(font), road.shownBy) << road.font << " " << road.code;
-  }
-
-  // Asked of Roboto, a character of every block the corpus covers (with or
-  // without a range bit) is shown by a face that maps it, with its advance.
-  const std::map<unsigned, std::string> blocks = firstMappedPerBlock(corpus);
-  EXPECT_GT(blocks.size(), 250u);
-  const int roboto = manager.GetFontIndex("Roboto");
-  for (const auto& block : blocks) {
-    int font = roboto;
-    unsigned code = block.first;
-    manager.ConfirmVisibleChar(font, code, false, false);
-    ASSERT_EQ(code, block.first) << block.second;
-    const qro_common::FontInfo* info = manager.GetFontInfo(font, false, false);
-    ASSERT_NE(info, nullptr) << block.second;
-    EXPECT_FLOAT_EQ(manager.GetCharAdvanceRatio(roboto, code, false, false), loadedRatio(*info, code))
-        << block.second << " U+" << std::hex << code << " in " << manager.GetFontName(font);
   }
 }
 
