@@ -1,0 +1,240 @@
+// The font manager as a host runs it, on real fonts, hostile font folders
+// and a default package: the scenarios of tests/data/manager_scripts.tsv.
+
+#include <ft2build.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+#include FT_FREETYPE_H
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <sstream>
+#include <utility>
+
+#include "base/Environment.h"
+#include "common/analysis/FontFileAnalyzer.h"
+#include "common/analysis/FontUSBType.h"
+#include "common/font_info/CharMetrics.h"
+#include "common/font_info/FontInfo.h"
+#include "tests/common/manager/ManagerScenario.h"
+#include "tests/support/Cases.h"
+#include "tests/support/FileSizeLimit.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/Python.h"
+#include "tests/support/TestFonts.h"
+
+namespace kelfont_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// "=FILE:CHAR[+N]": the advance FreeType reads from the font, N units more;
+// "~FILE:CHAR[+N]": that advance per em. FILE: dejavu, nanum or a generated font.
+std::string reference(const std::string& token) {
+  const std::size_t colon = token.find(':');
+  const std::size_t plus = token.find_first_of("+-", colon + (token[colon + 1] == 'U' ? 3 : 2));
+  std::string file = token.substr(1, colon - 1);
+  file = file == "dejavu"  ? "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"
+         : file == "nanum" ? "/usr/share/fonts/truetype/nanum/NanumGothic.ttf"
+                           : testFontPath(file);
+  const std::string ch = token.substr(colon + 1, plus - colon - 1);
+  FT_Library library;
+  FT_Face face;
+  FT_Init_FreeType(&library);
+  EXPECT_EQ(FT_New_Face(library, file.c_str(), 0, &face), 0) << file;
+  if (face->charmap == nullptr) FT_Select_Charmap(face, FT_ENCODING_MS_SYMBOL);
+  const unsigned long code = ch.size() == 1 ? ch[0] : std::stoul(ch.substr(2), nullptr, 16);
+  EXPECT_EQ(FT_Load_Char(face, code, FT_LOAD_NO_SCALE), 0) << token;
+  const long advance = face->glyph->metrics.horiAdvance +
+                       (plus == std::string::npos ? 0 : std::stol(token.substr(plus)));
+  const long em = face->units_per_EM;
+  FT_Done_FreeType(library);
+  char text[32];
+  std::snprintf(text, sizeof text, "%.6g",
+                token[0] == '=' ? double(advance) : double(float(advance) / float(em)));
+  return text;
+}
+
+// One script: a storage folder, the font folders, the manager started last.
+struct Script {
+  const Scenario& scenario = Scenario::get();
+  TempDir root;
+  const std::string storage = root.file("storage") + "/";
+  std::string folder = root.file("fonts");
+  std::vector<std::string> dirs;
+  bool package = true;
+  ManagerRig rig;
+  std::unique_ptr<FileSizeLimit> limit;
+  LogCapture log;
+  std::size_t logSeen = 0;
+  unsigned long opens = qro_common::FontFileAnalyzer::GetOpenCount();
+  std::map<std::string, std::pair<std::string, fs::file_time_type>> kept;
+
+  explicit Script(const std::string& setup) {
+    if (setup == "scenario") dirs = {scenario.dirA, scenario.dirB};
+    if (setup == "deep") {
+      while (folder.size() < 2300) folder += "/" + std::string(200, 'd');
+    }
+    if (setup == "folder" || setup == "deep") {
+      fs::create_directories(folder);
+      dirs = {folder};
+      package = false;
+    }
+  }
+  // A cache file: "@FONT" is the data file of the font's regular face.
+  std::string file(const std::string& name) {
+    if (name[0] != '@') return storage + "FInfo/" + name;
+    const qro_common::FontInfo* info =
+        rig->GetFontInfo(rig->GetFontIndex(name.substr(1)), false, false);
+    return storage + "FInfo/Fdata/" + std::to_string(info != nullptr ? info->GetInfoIndex() : -1);
+  }
+  std::string call(const std::string& token);
+};
+
+std::string Script::call(const std::string& token) {
+  const std::vector<std::string> a = fieldsOf(token);
+  const std::string& op = a[0];
+  if (op == "S") {  // (re)start, with a file size limit or in an interface language
+    rig = ManagerRig();
+    limit.reset();
+    if (std::isdigit(static_cast<unsigned char>(a[1][0])))
+      limit.reset(new FileSizeLimit(std::stoul(a[1])));
+    qro_base::Environment& environment = qro_base::ensureEnvironment();
+    const qro_base::Locale saved = environment.GetUILocale();
+    if (!a[1].empty() && !limit)
+      environment.SetUILocale(qro_base::Locale(a[1].substr(0, 2), a[1].substr(3)));
+    rig = start(storage, dirs, package);
+    environment.SetUILocale(saved);
+    return ".";
+  }
+  if (op == "opens") {
+    const unsigned long now = qro_common::FontFileAnalyzer::GetOpenCount();
+    return std::to_string(now - std::exchange(opens, now));
+  }
+  if (op == "log") {  // lines since the last look that hold the word, and the last of them
+    const std::vector<std::string> lines = log.messages();
+    std::string last;
+    int count = 0;
+    for (std::size_t i = std::exchange(logSeen, lines.size()); i < lines.size(); ++i) {
+      if (lines[i].find(a[1]) == std::string::npos) continue;
+      ++count;
+      last = lines[i];
+    }
+    const std::size_t at = last.find(storage);
+    if (at != std::string::npos) last.replace(at, storage.size(), "$");
+    for (char& c : last) c = std::isdigit(static_cast<unsigned char>(c)) ? '9' : c == ' ' ? '_' : c;
+    return std::to_string(count) + ":" + last;
+  }
+  if (op == "exists") return std::to_string(fs::exists(file(a[1])));
+  if (op == "keep") {
+    if (!fs::exists(file(a[1]))) return "missing";
+    kept[a[1]] = {readFile(file(a[1])), fs::last_write_time(file(a[1]))};
+    return ".";
+  }
+  if (op == "same") {
+    const auto& [bytes, time] = kept[a[1]];
+    return readFile(file(a[1])) != bytes             ? "changed"
+           : fs::last_write_time(file(a[1])) != time ? "rewritten"
+                                                     : "same";
+  }
+  if (op == "cut") {
+    const std::string bytes = readFile(file(a[1]));
+    return writeFile(file(a[1]), bytes.substr(0, bytes.size() / 2)) ? "." : "!";
+  }
+  if (op == "version") {  // the table of another version, and a stale data file
+    std::string table = readFile(file("Ftable"));
+    if (table.compare(0, 26, "001613Table Version 2.054\n") != 0) return "!";
+    return writeFile(file("Ftable"), table.replace(20, 5, "1.000")) &&
+                   writeFile(file("Fdata/999"), "stale")
+               ? "."
+               : "!";
+  }
+  if (op == "header") {
+    std::string header = readFile(file("Ftable")).substr(0, 25);
+    std::replace(header.begin(), header.end(), ' ', '_');
+    return header;
+  }
+  if (op == "touch") {
+    const std::string& dir = dirs[std::stoul(a[1])];
+    fs::last_write_time(dir, fs::last_write_time(dir) - std::chrono::hours(1));
+    return ".";
+  }
+  if (op == "update") return std::to_string(rig->Update());
+  if (op == "datafiles") {
+    return std::to_string(
+        std::distance(fs::directory_iterator(file("Fdata")), fs::directory_iterator()));
+  }
+  if (op == "load") {  // the first N + 1 package fonts
+    for (int n = 1; n <= std::stoi(a[1]); ++n) {
+      if (rig->GetCharMetrics(rig->GetFontIndex(packageFontName(n)), 'A', false, false) == nullptr)
+        return "!";
+    }
+    return ".";
+  }
+  const std::string path = folder + "/" + a[1];
+  if (op == "font") {  // a copy of a generated font, cut short or with bytes replaced
+    std::string bytes = a[2].empty() ? "" : readFile(testFontPath(a[2]));
+    if (!a[3].empty() && a[3][0] == '@')
+      bytes.replace(std::stoul(a[3].substr(1)), a[4].size() / 2, unhex(a[4]));
+    if (!a[3].empty() && a[3][0] != '@') bytes.resize(std::stoul(a[3]));
+    return writeFile(path, bytes) ? "." : "!";
+  }
+  if (op == "dir") return fs::create_directory(path) ? "." : "!";
+  if (op == "link") return symlink((folder + "/" + a[2]).c_str(), path.c_str()) == 0 ? "." : "!";
+  if (op == "renamed") {  // basic.ttf as FAMILY STYLE, with the Korean code page when "cjk"
+    const char* program = R"(
+import sys
+from fontTools.ttLib import TTFont
+src, dst, family, style, cjk = sys.argv[1:]
+font = TTFont(src)
+for record in font['name'].names:
+    if record.nameID in (1, 16): record.string = family
+    if record.nameID in (2, 17): record.string = style
+    if record.nameID in (4, 6): record.string = family + ' ' + style
+if cjk: font['OS/2'].ulCodePageRange1 |= 1 << 19
+font.save(dst)
+)";
+    return runPython(program, {testFontPath("basic.ttf"), path, a[2], a[3], a[4]}) ? "." : "!";
+  }
+  if (op == "D") {  // every character of a generated font in a range slot, 1 in 61
+    const ExpectedFace face = expectedFace(a[2]);
+    int checked = 0;
+    for (const auto& [code, ch] : face.chars) {
+      const int usb = qro_common::FontUSBType::GetUSBType(code);
+      if (usb == 57 || (usb > 122 && usb != 127) || code % 61 != 0) continue;
+      const qro_common::CharMetrics* metrics = rig->GetCharMetrics(a[1], code, false, false);
+      if (metrics == nullptr || metrics->GetAdvance() != ch.advance)
+        return "U+" + std::to_string(code);
+      ++checked;
+    }
+    return std::to_string(checked);
+  }
+  std::string answer = ask(*rig.manager, token);
+  for (const auto& [dir, mark] :
+       {std::pair{folder, "F"}, {scenario.dirA, "A"}, {scenario.dirB, "B"}}) {
+    for (std::size_t at; (at = answer.find(dir + "/")) != std::string::npos;)
+      answer.replace(at, dir.size(), mark);
+  }
+  return answer;
+}
+
+TEST(FontManagerScripts, Lines) {
+  for (const Case& c : cases("manager_scripts.tsv")) {
+    Script script(c[0]);
+    std::istringstream calls(c[1]), wanted(c[2]);
+    std::string answers, expected;
+    for (std::string token; calls >> token;)
+      answers += (answers.empty() ? "" : " ") + script.call(token);
+    for (std::string token; wanted >> token;) {
+      expected += (expected.empty() ? "" : " ") +
+                  (token[0] == '=' || token[0] == '~' ? reference(token) : token);
+    }
+    EXPECT_EQ(answers, expected) << c.line;
+  }
+}
+
+}  // namespace
+}  // namespace kelfont_test
