@@ -72,15 +72,6 @@ std::map<std::string, std::map<unsigned, int>> instancerAdvances(
   return advances;
 }
 
-struct Start {
-  Start(const std::string& storage, const std::string& fonts)
-      : extracter(storage, storage + "no-package/"), manager(&extracter, storage, {fonts}) {
-    manager.Initialize();
-  }
-  qro_ni::DefaultFontInfoFileExtracter extracter;
-  TestFontManager manager;
-};
-
 // Every cache file by name; the table without its font folder times.
 std::map<std::string, std::string> cacheFiles(const std::string& storage) {
   std::map<std::string, std::string> files;
@@ -108,8 +99,8 @@ void checkVariableFont(const std::string& font, const std::string& family,
 
   std::map<std::string, std::string> first;
   {
-    Start start(storage, fonts.path());
-    qro_common::FontTable& table = *start.manager.GetFontTable();
+    ManagerRig rig = start(storage, {fonts.path()}, false);
+    qro_common::FontTable& table = *rig->GetFontTable();
     qro_common::FontInfoSerializer serializer(storage);
     std::multiset<std::string> found;
     for (int i = 0; i < table.GetFontInfoCount(); ++i) {
@@ -131,8 +122,7 @@ void checkVariableFont(const std::string& font, const std::string& family,
     }
     EXPECT_EQ(found, std::multiset<std::string>(styles.begin(), styles.end()));
     for (bool bold : {false, true}) {
-      const qro_common::CharMetrics* metrics =
-          start.manager.GetCharMetrics(family, 'A', bold, false);
+      const qro_common::CharMetrics* metrics = rig->GetCharMetrics(family, 'A', bold, false);
       ASSERT_NE(metrics, nullptr);
       EXPECT_EQ(metrics->GetAdvance(), advances[bold ? "Bold" : "Regular"]['A']);
     }
@@ -144,7 +134,7 @@ void checkVariableFont(const std::string& font, const std::string& family,
       utimbuf times{1000000000 + round * 1000, 1000000000 + round * 1000};
       ASSERT_EQ(utime(fonts.path().c_str(), &times), 0);
     }
-    Start start(storage, fonts.path());
+    start(storage, {fonts.path()}, false);
     EXPECT_EQ(cacheFiles(storage), first) << "round " << round;
   }
 }
