@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -56,6 +57,27 @@ std::string reference(const std::string& token) {
   std::snprintf(text, sizeof text, "%.6g",
                 token[0] == '=' ? double(advance) : double(float(advance) / float(em)));
   return text;
+}
+
+std::string le(unsigned value, int size) {
+  std::string bytes;
+  for (int i = 0; i < size; ++i) bytes += static_cast<char>((value >> (8 * i)) & 0xFF);
+  return bytes;
+}
+
+// The mark of the "fi" bytes: FNV-1a's step over the file as 8-byte
+// little-endian words (the last zero-padded), the byte count mixed in last.
+std::string fingerprint(const std::string& fi) {
+  std::uint64_t hash = 14695981039346656037ull;
+  const std::string padded = fi + std::string((8 - fi.size() % 8) % 8, '\0');
+  for (std::size_t i = 0; i < padded.size(); i += 8) {
+    std::uint64_t word = 0;
+    for (int b = 0; b < 8; ++b)
+      word |= std::uint64_t(static_cast<unsigned char>(padded[i + b])) << (8 * b);
+    hash = (hash ^ word) * 1099511628211ull;
+  }
+  hash ^= fi.size();
+  return le(static_cast<unsigned>(hash), 4) + le(static_cast<unsigned>(hash >> 32), 4);
 }
 
 // One script: a storage folder, the font folders, the manager started last.
@@ -144,6 +166,22 @@ std::string Script::call(const std::string& token) {
     const std::string bytes = readFile(file(a[1]));
     return writeFile(file(a[1]), bytes.substr(0, bytes.size() / 2)) ? "." : "!";
   }
+  if (op == "flip") {  // one byte of a cache file changed
+    std::string bytes = readFile(file(a[1]));
+    bytes[std::stoul(a[2])] ^= 1;
+    return writeFile(file(a[1]), bytes) ? "." : "!";
+  }
+  if (op == "fx") {  // "fx" holds the mark of "fi", then the codes given, each a run of FONT
+    std::string runs;
+    for (std::size_t i = 2; i < a.size() && !a[i].empty(); ++i) {
+      const unsigned code = std::stoul(a[i].substr(2), nullptr, 16);
+      runs += le(code, 4) + le(code, 4) + le(static_cast<unsigned>(rig->GetFontIndex(a[1])), 2);
+    }
+    const std::string fi = readFile(file("fi"));
+    return readFile(file("fx")) == fingerprint(fi) + le(unsigned(runs.size() / 10), 4) + runs
+               ? "ok"
+               : "differs";
+  }
   if (op == "version") {  // the table of another version, and a stale data file
     std::string table = readFile(file("Ftable"));
     if (table.compare(0, 26, "001613Table Version 2.054\n") != 0) return "!";
@@ -176,7 +214,9 @@ std::string Script::call(const std::string& token) {
   }
   const std::string path = folder + "/" + a[1];
   if (op == "font") {  // a copy of a generated font, cut short or with bytes replaced
-    std::string bytes = a[2].empty() ? "" : readFile(testFontPath(a[2]));
+    std::string source = a[2];
+    std::replace(source.begin(), source.end(), ' ', '_');
+    std::string bytes = source.empty() ? "" : readFile(testFontPath(source));
     if (!a[3].empty() && a[3][0] == '@')
       bytes.replace(std::stoul(a[3].substr(1)), a[4].size() / 2, unhex(a[4]));
     if (!a[3].empty() && a[3][0] != '@') bytes.resize(std::stoul(a[3]));
