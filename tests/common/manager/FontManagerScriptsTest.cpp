@@ -10,6 +10,7 @@
 #include <cctype>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -20,7 +21,10 @@
 #include "common/analysis/FontFileAnalyzer.h"
 #include "common/analysis/FontUSBType.h"
 #include "common/font_info/CharMetrics.h"
+#include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/FontInfo.h"
+#include "common/font_info/FontInfoSerializer.h"
+#include "common/registry/FontTable.h"
 #include "tests/common/manager/ManagerScenario.h"
 #include "tests/support/Cases.h"
 #include "tests/support/FileSizeLimit.h"
@@ -81,6 +85,34 @@ std::string fingerprint(const std::string& fi) {
   return le(static_cast<unsigned>(hash), 4) + le(static_cast<unsigned>(hash >> 32), 4);
 }
 
+// Advances by style and code point of the static instances of a variable
+// font, as a TrueType composite takes them: from its last component flagged
+// USE_MY_METRICS, when one is.
+const char* kInstancer = R"(
+import sys
+from fontTools.ttLib import TTFont
+from fontTools.varLib import instancer
+path = sys.argv[1]
+base = TTFont(path)
+for inst in base['fvar'].instances:
+    style = base['name'].getDebugName(inst.subfamilyNameID)
+    if style not in sys.argv[2:]:
+        continue
+    font = TTFont(path)
+    for tag in ('GSUB', 'GPOS', 'GDEF'):  # no part of the advances; slow to instance
+        if tag in font:
+            del font[tag]
+    font = instancer.instantiateVariableFont(font, inst.coordinates)
+    glyf = font['glyf']
+    for code, glyph in font.getBestCmap().items():
+        while glyf[glyph].isComposite():
+            mine = [c.glyphName for c in glyf[glyph].components if c.flags & 0x200]
+            if not mine:
+                break
+            glyph = mine[-1]
+        print(style.replace(' ', '_'), code, font['hmtx'][glyph][0])
+)";
+
 // One script: a storage folder, the font folders, the manager started last.
 struct Script {
   const Scenario& scenario = Scenario::get();
@@ -113,6 +145,20 @@ struct Script {
     const qro_common::FontInfo* info =
         rig->GetFontInfo(rig->GetFontIndex(name.substr(1)), false, false);
     return storage + "FInfo/Fdata/" + std::to_string(info != nullptr ? info->GetInfoIndex() : -1);
+  }
+  // A cache file's bytes and time; "*": every cache file by name, the table
+  // without its font folder times.
+  std::pair<std::string, fs::file_time_type> contents(const std::string& name) {
+    if (name != "*") return {readFile(file(name)), fs::last_write_time(file(name))};
+    std::map<std::string, std::string> files;
+    for (const auto& entry : fs::recursive_directory_iterator(storage + "FInfo")) {
+      if (entry.is_regular_file()) files[entry.path().string()] = readFile(entry.path().string());
+    }
+    std::string& table = files[file("Ftable")];
+    table.erase(26, 4 + std::stoul(table.substr(26, 4), nullptr, 16));
+    std::string all;
+    for (const auto& [path, bytes] : files) all += path + "\n" + bytes;
+    return {all, {}};
   }
   std::string call(const std::string& token);
 };
@@ -153,15 +199,54 @@ std::string Script::call(const std::string& token) {
   }
   if (op == "exists") return std::to_string(fs::exists(file(a[1])));
   if (op == "keep") {
-    if (!fs::exists(file(a[1]))) return "missing";
-    kept[a[1]] = {readFile(file(a[1])), fs::last_write_time(file(a[1]))};
+    if (a[1] != "*" && !fs::exists(file(a[1]))) return "missing";
+    kept[a[1]] = contents(a[1]);
     return ".";
   }
   if (op == "same") {
     const auto& [bytes, time] = kept[a[1]];
-    return readFile(file(a[1])) != bytes             ? "changed"
-           : fs::last_write_time(file(a[1])) != time ? "rewritten"
-                                                     : "same";
+    const auto now = contents(a[1]);
+    return now.first != bytes ? "changed" : now.second != time ? "rewritten" : "same";
+  }
+  if (op ==
+      "I") {  // the records of a variable font of F against fontTools' instances of the styles
+    std::vector<std::string> args{folder + "/" + a[1]};
+    for (std::size_t i = 2; i < a.size() && !a[i].empty(); ++i) args.push_back(a[i]);
+    std::string output;
+    if (!runPython(kInstancer, args, &output)) return "!";
+    std::map<std::string, std::map<unsigned, int>> advances;
+    std::istringstream lines(output);
+    std::string style;
+    for (unsigned code = 0, advance = 0; lines >> style >> code >> advance;) {
+      advances[fieldsOf(style)[0]][code] = static_cast<int>(advance);
+    }
+    const qro_common::FontTable& table = *rig->GetFontTable();
+    qro_common::FontInfoSerializer serializer(storage);
+    std::string family;
+    for (int i = 0; i < table.GetFontInfoCount(); ++i) {
+      qro_common::FontInfo& info = *table.GetFontInfo(i);
+      if (info.GetFilePath() == nullptr || *info.GetFilePath() != args[0] || !info.GetStyleName() ||
+          advances.count(*info.GetStyleName()) == 0 || !serializer.ReadData(info)) {
+        continue;
+      }
+      family = *info.GetFontName();
+      std::size_t checked = 0;
+      for (const auto& [code, advance] : advances[*info.GetStyleName()]) {
+        const qro_common::CharMetrics* metrics = info.GetCharMetricsInfo()->GetCharMetrics(code);
+        if (metrics != nullptr && metrics->GetAdvance() != advance)
+          return "U+" + std::to_string(code);
+        checked += metrics != nullptr;
+      }
+      if (checked <= advances[*info.GetStyleName()].size() / 2)
+        return *info.GetStyleName() + ":few";
+    }
+    for (bool bold : {false, true}) {  // what regular and bold queries take
+      const qro_common::CharMetrics* metrics = rig->GetCharMetrics(family, 'A', bold, false);
+      if (metrics == nullptr || metrics->GetAdvance() != advances[bold ? "Bold" : "Regular"]['A']) {
+        return bold ? "bold" : "regular";
+      }
+    }
+    return std::to_string(advances.size());
   }
   if (op == "cut") {
     const std::string bytes = readFile(file(a[1]));
@@ -217,7 +302,9 @@ std::string Script::call(const std::string& token) {
   if (op == "font") {  // a copy of a generated font, cut short or with bytes replaced
     std::string source = a[2];
     std::replace(source.begin(), source.end(), ' ', '_');
-    std::string bytes = source.empty() ? "" : readFile(testFontPath(source));
+    std::string bytes = source.empty()     ? ""
+                        : source[0] == '/' ? readFile(source)
+                                           : readFile(testFontPath(source));
     if (!a[3].empty() && a[3][0] == '@')
       bytes.replace(std::stoul(a[3].substr(1)), a[4].size() / 2, unhex(a[4]));
     if (!a[3].empty() && a[3][0] != '@') bytes.resize(std::stoul(a[3]));
@@ -262,12 +349,17 @@ font.save(dst)
   return answer;
 }
 
-TEST(FontManagerScripts, Lines) {
+// The lines of tests/data/manager_scripts.tsv, those on the Android fonts
+// ("$ANDROID" their folder) or the others.
+void runLines(const char* android) {
   for (const Case& c : cases("manager_scripts.tsv")) {
-    Script script(c[0]);
-    std::istringstream calls(c[1]), wanted(c[2]);
-    std::string answers, expected;
-    for (std::string token; calls >> token;)
+    if ((c[0] == "android") != (android != nullptr)) continue;
+    Script script(android != nullptr ? "folder" : c[0]);
+    std::string calls = c[1], answers, expected;
+    if (android != nullptr && calls.find("$ANDROID") != std::string::npos)
+      calls.replace(calls.find("$ANDROID"), 8, android);
+    std::istringstream tokens(calls), wanted(c[2]);
+    for (std::string token; tokens >> token;)
       answers += (answers.empty() ? "" : " ") + script.call(token);
     for (std::string token; wanted >> token;) {
       expected += (expected.empty() ? "" : " ") +
@@ -275,6 +367,16 @@ TEST(FontManagerScripts, Lines) {
     }
     EXPECT_EQ(answers, expected) << c.line;
   }
+}
+
+TEST(FontManagerScripts, Lines) { runLines(nullptr); }
+
+TEST(FontManagerScripts, AndroidFonts) {
+  const char* folder = std::getenv("KELFONT_ANDROID_FONTS");
+  if (folder == nullptr || *folder == '\0') {
+    GTEST_SKIP() << "KELFONT_ANDROID_FONTS is not set (scripts/android-fonts.sh DIR makes the set)";
+  }
+  runLines(folder);
 }
 
 }  // namespace

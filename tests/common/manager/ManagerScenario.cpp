@@ -211,12 +211,13 @@ std::string ask(qro_common::FontManager& m, const std::string& token) {
   if (op == "C") return std::to_string(info != nullptr && info->IsCJK());
   const qro_common::FontTable& table = *m.GetFontTable();
   if (op == "c") return std::to_string(table.GetFontInfoCount());
-  if (op == "P") {  // every face of the records named so
+  if (op == "P") {  // every face of the records named so, and its style
     std::vector<std::string> faces;
     for (int i = 0; i < table.GetFontInfoCount(); ++i) {
-      const std::string* recordName = table.GetFontInfo(i)->GetFontName();
-      if (recordName != nullptr && *recordName == a[1])
-        faces.push_back(faceOf(table.GetFontInfo(i)));
+      const qro_common::FontInfo* record = table.GetFontInfo(i);
+      if (record->GetFontName() == nullptr || *record->GetFontName() != a[1]) continue;
+      faces.push_back(faceOf(record) + ":" +
+                      spaced(record->GetStyleName() ? *record->GetStyleName() : ""));
     }
     std::sort(faces.begin(), faces.end());
     std::string joined;
