@@ -103,8 +103,8 @@ TEST(CacheKill, AKilledWriterLeavesTheOldOrTheNewCacheWhole) {
   }
   ASSERT_NE(variants[0]["Ftable"], variants[1]["Ftable"]);
   // Kills fall anywhere in the writer's first two rounds, whatever the disk.
-  const long round = std::chrono::duration_cast<std::chrono::microseconds>(
-                         std::chrono::steady_clock::now() - started).count() / 2;
+  const auto elapsed = std::chrono::steady_clock::now() - started;
+  const long round = std::chrono::duration_cast<std::chrono::microseconds>(elapsed).count() / 2;
 
   // The advances every start must answer, as the font generator read them.
   std::vector<std::map<unsigned, int>> expected(3);
@@ -166,8 +166,8 @@ TEST(CacheKill, AKilledWriterLeavesTheOldOrTheNewCacheWhole) {
         const qro_common::CharMetrics* metrics =
             manager.GetCharMetrics(managerIndex, code, bold, italic);
         int answer = -1;
-        int status = facade.GetFontCharInfo(facadeIndex, static_cast<int>(code), bold, italic,
-                                            answer);
+        int status =
+            facade.GetFontCharInfo(facadeIndex, static_cast<int>(code), bold, italic, answer);
         ASSERT_TRUE(status == 0 && answer == advance) << kFiles[style] << " " << code;
         ASSERT_TRUE(metrics != nullptr && metrics->GetAdvance() == advance)
             << kFiles[style] << " " << code;
@@ -175,8 +175,8 @@ TEST(CacheKill, AKilledWriterLeavesTheOldOrTheNewCacheWhole) {
     }
   }
   // Kills landed in the middle of writes, and both caches were found.
-  std::printf("%d kills over writer rounds of %ld us: %d left a file half written, %d found "
-              "the new table\n", kTrials, round, killedMidWrite, newTables);
+  std::printf("%d kills, writer rounds of %ld us: %d left a file half written, %d the new table\n",
+              kTrials, round, killedMidWrite, newTables);
   EXPECT_GT(killedMidWrite, kTrials / 10);
   EXPECT_GT(newTables, 0);
   EXPECT_LT(newTables, kTrials);

@@ -91,9 +91,7 @@ std::vector<Face> standardFaces() {
       } else if (key == "empty") {
         face.emptyAdvanceTable = true;
       } else if (key == "missing" || key == "truncated" || key == "damaged") {
-        face.dataFile = key == "missing"     ? DataFile::kMissing
-                        : key == "truncated" ? DataFile::kTruncated
-                                             : DataFile::kDamaged;
+        face.dataFile = key;
       } else {
         face.localizedNames[std::stoi(key, nullptr, 16)] = value;
       }
@@ -134,26 +132,18 @@ std::unique_ptr<FontInfo> makeInfo(const Face& face, int infoIndex) {
   return info;
 }
 
-bool writeData(FontInfoSerializer& serializer, FontInfo& info, DataFile kind) {
+bool writeData(FontInfoSerializer& serializer, FontInfo& info, const std::string& kind) {
   std::string path =
       serializer.GetBasePath() + "FInfo/Fdata/" + std::to_string(info.GetInfoIndex());
-  switch (kind) {
-    case DataFile::kMissing:
-      return true;
-    case DataFile::kWritten:
-      return serializer.WriteData(info);
-    case DataFile::kTruncated: {
-      if (!serializer.WriteData(info)) return false;
-      std::string bytes = kelfont_test::readFile(path);
-      return kelfont_test::writeFile(path, bytes.substr(0, bytes.size() / 2));
-    }
-    case DataFile::kDamaged:
-      // Slot 0 holds a single range from 0x7F down to 0x20.
-      return kelfont_test::writeFile(
-          path,
-          std::string("\x01\x7F\x00\x00\x00\x20\x00\x00\x00\x00\x00", 11) + std::string(127, '\0'));
+  if (kind == "missing") return true;
+  if (kind == "damaged") {  // slot 0 holds a single range from 0x7F down to 0x20
+    return kelfont_test::writeFile(
+        path,
+        std::string("\x01\x7F\x00\x00\x00\x20\x00\x00\x00\x00\x00", 11) + std::string(127, '\0'));
   }
-  return false;
+  if (!serializer.WriteData(info)) return false;
+  const std::string bytes = kelfont_test::readFile(path);
+  return kind != "truncated" || kelfont_test::writeFile(path, bytes.substr(0, bytes.size() / 2));
 }
 
 }  // namespace

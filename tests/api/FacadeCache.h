@@ -9,14 +9,6 @@
 
 namespace facade_test {
 
-// What a face's data file looks like on disk.
-enum class DataFile {
-  kWritten,    // advances and kerning as given
-  kMissing,    // no file
-  kTruncated,  // the written file cut in half
-  kDamaged     // a range whose bounds are reversed
-};
-
 struct Face {
   std::string fontName;
   std::string styleName;                      // empty: none
@@ -25,7 +17,9 @@ struct Face {
   std::map<unsigned, unsigned short> advances;
   std::vector<std::tuple<int, int, short>> kerning;
   bool emptyAdvanceTable = false;  // write 128 empty slots when no advances
-  DataFile dataFile = DataFile::kWritten;
+  // The data file: written (""), "missing", "truncated" (cut in half) or
+  // "damaged" (a range whose bounds are reversed).
+  std::string dataFile;
 };
 
 // Font indexes of the standard cache (registration order of the names).

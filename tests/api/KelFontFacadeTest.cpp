@@ -1,17 +1,22 @@
 // The facade through the public entry points only, on caches written with
-// the serializer.
+// the serializer: the scripts of tests/data/facade_scripts.tsv, and eight
+// threads asking at once.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "api/KelFontWidth.h"
 #include "api/kelfont.h"
+#include "common/registry/FontTable.h"
 #include "tests/api/FacadeCache.h"
 #include "tests/support/Cases.h"
+#include "tests/support/Concurrently.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestFonts.h"
 
@@ -31,9 +36,9 @@ Answer emSquare(int font, bool bold = false, bool italic = false) {
   int status = GetFontEmSquareFUnit(font, bold, italic, value);
   return {status, value};
 }
-Answer kerning(int font, int first, int second, bool bold = false) {
+Answer kerning(int font, int first, int second, bool bold = false, bool italic = false) {
   int delta = -12345;
-  int status = GetKerningInfo(font, bold, false, first, second, delta);
+  int status = GetKerningInfo(font, bold, italic, first, second, delta);
   return {status, delta};
 }
 // Starts the facade on `base`; it must say so on standard output.
@@ -49,18 +54,6 @@ Face rewritten(int i) {
   for (auto& entry : face.advances) entry.second = static_cast<unsigned short>(entry.second + 1000);
   return face;
 }
-
-class KelFontFacade : public ::testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_TRUE(writeCache(base_, standardFaces()));
-    init(base_);
-  }
-  void TearDown() override { UnInitKelFont(); }
-
-  kelfont_test::TempDir dir_;
-  std::string base_ = dir_.path() + "/";
-};
 
 std::string said(const Answer& answer) {
   return std::to_string(answer.first) +
@@ -79,13 +72,54 @@ std::string call(const std::string& token, const std::string& base) {
            : a[i].rfind("U+", 0) == 0 ? std::stoi(a[i].substr(2), nullptr, 16)
                                       : number(i);
   };
-  const std::string& style = a[0] == "c" ? a[3] : a[0] == "e" ? a[2] : a[4];
+  const std::string& style = a[0] == "c"                                 ? a[3]
+                             : a[0] == "e" || a[0] == "x" || a[0] == "K" ? a[2]
+                                                                         : a[4];
   const bool bold = style.find('b') != std::string::npos,
              italic = style.find('i') != std::string::npos;
   const char op = token[0];
+  if (op == 'x' || op == 'K') {  // every advance or kerning pair of a generated face
+    const kelfont_test::ExpectedFace face = expectedFace(a[1]);
+    int checked = 0;
+    for (const auto& [ch, glyph] : face.chars) {
+      if (op == 'x' && charInfo(kBasic, int(ch), bold, italic) != Answer(0, glyph.advance))
+        return "U+" + std::to_string(ch);
+      checked += op == 'x';
+    }
+    for (const auto& [pair, delta] : face.kerning) {
+      if (op == 'K' && kerning(kBasic, int(pair.first), int(pair.second), bold) != Answer(0, delta))
+        return "U+" + std::to_string(pair.first);
+      checked += op == 'K';
+    }
+    return std::to_string(checked);
+  }
+  if (op == 'B') {  // Gulim's bands in every style
+    for (size_t i = 0; i < boldBands().size(); ++i) {
+      const int ch = static_cast<int>(0x21 + i), bolder = boldBands()[i].bold,
+                plain = boldBands()[i].advance;
+      if (charInfo(kGulim, ch, true) != Answer(0, bolder) ||
+          charInfo(kGulim, ch, true, true) != Answer(0, bolder) ||
+          charInfo(kGulim, ch, false, true) != Answer(0, plain)) {
+        return "band" + std::to_string(i);
+      }
+    }
+    return std::to_string(boldBands().size());
+  }
+  if (op == 't') {  // the kerning clock since the last look: s started, e ended
+    const std::clock_t none = static_cast<std::clock_t>(-1), start = std::exchange(startTime, none),
+                       end = std::exchange(endTime, none);
+    return std::string(start != none ? "s" : "") + (end != none ? "e" : "") +
+           (start <= end || end == none ? "" : "!");
+  }
+  if (op == 'a') {
+    char text[32];
+    std::snprintf(text, sizeof text, "%g",
+                  gKelFontWidth->AdjustAdvanceRatio(number(1), std::stof(a[2])));
+    return text;
+  }
   if (op == 'c') return said(charInfo(number(1), code(2), bold, italic));
   if (op == 'e') return said(emSquare(number(1), bold, italic));
-  if (op == 'k') return said(kerning(number(1), code(2), code(3), bold));
+  if (op == 'k') return said(kerning(number(1), code(2), code(3), bold, italic));
   std::replace(a[1].begin(), a[1].end(), '_', ' ');
   if (op == 'n') return std::to_string(GetFontIndex(a[1].c_str()));
   if (op == '?') return std::to_string(IsKelFontInitialized());
@@ -121,7 +155,13 @@ std::string call(const std::string& token, const std::string& base) {
 std::string prepare(const kelfont_test::TempDir& dir, const std::string& kind) {
   const std::string base = dir.path() + "/", table = base + "FInfo/Ftable";
   if (kind == "none") return base;
-  EXPECT_TRUE(writeCache(base, standardFaces()));
+  std::vector<Face> faces = standardFaces();
+  for (int i = 0; kind == "crowd" && i < 40; ++i) {  // more faces than stay loaded
+    faces.push_back(evictFace(i));
+    faces.back().fontName = "KelTest Crowd " + std::to_string(i);
+    faces.back().kerning = {{'A', 'V', static_cast<short>(-1 - i)}};
+  }
+  EXPECT_TRUE(writeCache(base, faces));
   std::string bytes = kelfont_test::readFile(table);
   EXPECT_EQ(bytes.substr(0, 25), "001613Table Version 2.054");
   if (kind == "garbage") bytes = std::string("\xff\x00zz\n", 5) + "0016garbage";
@@ -148,55 +188,38 @@ TEST(KelFontFacadeScripts, Lines) {
   EXPECT_EQ(gKelFontWidth, nullptr);
 }
 
-TEST_F(KelFontFacade, AdvancesAndEmSquareAreThoseOfTheFontFilesPerStyle) {
-  // Bold italic takes the bold face.
-  const std::pair<const char*, std::pair<bool, bool>> styles[] = {{"basic.ttf", {false, false}},
-                                                                  {"bold.ttf", {true, false}},
-                                                                  {"italic.ttf", {false, true}},
-                                                                  {"bold.ttf", {true, true}}};
-  for (const auto& [file, style] : styles) {
-    kelfont_test::ExpectedFace face = expectedFace(file);
-    ASSERT_GT(face.chars.size(), 90u);
-    for (const auto& [code, glyph] : face.chars) {
-      EXPECT_EQ(charInfo(kBasic, int(code), style.first, style.second), Answer(0, glyph.advance))
-          << file << " U+" << std::hex << code;
-    }
-    EXPECT_EQ(emSquare(kBasic, style.first, style.second), Answer(0, face.unitsPerEm));
-  }
-  EXPECT_NE(expectedFace("basic.ttf").chars.at('A').advance,
-            expectedFace("bold.ttf").chars.at('A').advance);
-}
-
-TEST_F(KelFontFacade, BoldAdvancesOfTheListedFontsAreCorrected) {
-  for (size_t i = 0; i < boldBands().size(); ++i) {
-    int ch = static_cast<int>(0x21 + i);
-    const BoldBand& band = boldBands()[i];
-    EXPECT_EQ(charInfo(kGulim, ch, true), Answer(0, band.bold)) << band.advance;
-    EXPECT_EQ(charInfo(kGulim, ch, true, true), Answer(0, band.bold)) << band.advance;
-    EXPECT_EQ(charInfo(kGulim, ch, false, true), Answer(0, band.advance));
-  }
-}
-
-TEST_F(KelFontFacade, KerningComesFromTheFaceOfTheStyleAndIsTimed) {
-  for (bool bold : {false, true}) {
-    kelfont_test::ExpectedFace face = expectedFace(bold ? "bold.ttf" : "basic.ttf");
-    ASSERT_EQ(face.kerning.count({'A', 'V'}), 1u);
-    for (const auto& [pair, delta] : face.kerning) {
-      EXPECT_EQ(kerning(kBasic, int(pair.first), int(pair.second), bold), Answer(0, delta));
+// Eight threads ask everything at once, over more faces than stay loaded,
+// while another keeps clearing the loaded data (run under ThreadSanitizer and
+// AddressSanitizer in CI): every answer is the one a single thread got.
+TEST(KelFontFacadeScripts, EightThreadsAnswerAsOneWhileFacesAreDroppedAndReloaded) {
+  kelfont_test::TempDir dir;
+  const std::string base = prepare(dir, "crowd");
+  init(base);
+  const int fontCount = gKelFontWidth->_GetFontTable()->GetFontCount();
+  ASSERT_GT(fontCount, int(CKelFontWidth::kMaxLoadedBeforeEviction) + 20);
+  std::vector<std::string> queries;
+  for (int font = -1; font <= fontCount; ++font) {
+    for (const char* style : {"", "i", "b", "bi"}) {
+      const std::string f = std::to_string(font) + ",";
+      for (const char* ch : {"A", "B", "C", "Z", "33", "37", "48", "U+AC00", "U+1F600"}) {
+        queries.push_back("c," + f + ch + "," + style);
+      }
+      queries.push_back("k," + f + "A,V," + style);
+      queries.push_back("e," + f + style);
     }
   }
-  EXPECT_EQ(kerning(kBasic, 'A', 'A'), Answer(0, 0));
-  EXPECT_EQ(kerning(kGulim, 'A', 'V'), Answer(0, 0));  // a face without kerning
-
-  startTime = endTime = static_cast<std::clock_t>(-1);
-  kerning(kBasic, 'A', 'V');
-  EXPECT_NE(startTime, static_cast<std::clock_t>(-1));
-  EXPECT_LE(startTime, endTime);
+  std::vector<std::string> expected;
+  for (const std::string& q : queries) expected.push_back(call(q, base));
+  // The answers depend on the data files: the last crowd font's kerning and advance.
+  EXPECT_EQ(call("k," + std::to_string(fontCount - 1) + ",A,V", base), "0/-40");
+  EXPECT_EQ(call("c," + std::to_string(fontCount - 1) + ",B", base), "0/239");
+  auto same = [&](std::size_t i) { return call(queries[i], base) == expected[i]; };
+  EXPECT_EQ(kelfont_test::askedAtOnce(queries.size(), 3, same, [] { ClearKelFontCacheInfo(); }), 0);
+  qro_base::DeferredDeleter& retired = gKelFontWidth->_GetFontTable()->GetDeferredDeleter();
+  retired.Collect();
+  retired.Collect();
+  EXPECT_EQ(retired.PendingCount(), 0u);
   UnInitKelFont();
-  startTime = endTime = static_cast<std::clock_t>(-1);
-  EXPECT_EQ(kerning(kBasic, 'A', 'V').first, -1);  // started, never ended
-  EXPECT_NE(startTime, static_cast<std::clock_t>(-1));
-  EXPECT_EQ(endTime, static_cast<std::clock_t>(-1));
 }
 
 }  // namespace

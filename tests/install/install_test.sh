@@ -28,6 +28,6 @@ pcdir=$(dirname "$(find "$prefix" -name kelfont.pc | head -n 1)")
 pc() { PKG_CONFIG_PATH="$pcdir" pkg-config "$@" kelfont; }
 libdir=$(pc --variable=libdir)
 # shellcheck disable=SC2046,SC2086
-"$cxx" -std=c++17 $flags "$here/host/host.cpp" $(pc --cflags) $(pc --libs) \
+"$cxx" -std=c++17 $flags "$here/../api/host/HostProgram.cpp" $(pc --cflags) $(pc --libs) \
   -Wl,-rpath,"$libdir" -o "$work/host_pkgconfig"
 "$work/host_pkgconfig"

@@ -1,6 +1,7 @@
 // A host program that knows libkelfont only through its umbrella header and
-// the shared library. It starts the facade on an empty cache folder of its
-// own and checks the answers of every entry point.
+// a library: the build tree's shared one, and (tests/install) the installed
+// shared and static ones. It starts the facade on an empty cache folder of
+// its own and checks the answers of every entry point.
 
 #include <stdio.h>
 #include <stdlib.h>

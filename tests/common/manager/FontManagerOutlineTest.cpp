@@ -1,13 +1,21 @@
 // Glyph outlines drawn into a recording path, against the glyphs as FreeType
-// (called here directly) and the font generator see them.
+// (called here directly) and the font generator see them; fonts rewritten
+// while they are open.
 
 #include <ft2build.h>
 #include <gtest/gtest.h>
 #include FT_FREETYPE_H
 #include FT_OUTLINE_H
+#include <unistd.h>
 
+#include <memory>
+
+#include "common/analysis/FontFileAnalyzer.h"
+#include "common/font_info/CharMetrics.h"
+#include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/FontInfo.h"
 #include "tests/common/manager/ManagerScenario.h"
+#include "tests/support/TempDir.h"
 #include "tests/support/TestFonts.h"
 
 namespace kelfont_test {
@@ -105,6 +113,38 @@ TEST_F(FontManagerOutlineTest, GlyphIndexMovesOnlyThePenByTheSideBearing) {
   EXPECT_EQ(manager.GlyphOutlineToPath(nullptr, 1, x, y, &untouched), -1);
   EXPECT_FLOAT_EQ(x, 5);
   EXPECT_TRUE(untouched.out.empty());
+}
+
+// A font rewritten in place (as a copy over it does) while it is open: the
+// analysis goes on with the file as it was opened; a face kept open for
+// outlines fails its next glyph instead of faulting.
+TEST_F(FontManagerOutlineTest, AFontRewrittenInPlaceWhileOpen) {
+  TempDir dir;
+  const std::string replaced = dir.file("replaced.ttf");
+  ASSERT_TRUE(writeFile(replaced, readFile(testFontPath("basic.ttf"))));
+  qro_common::FontFileAnalyzer analyzer;
+  ASSERT_TRUE(analyzer.Open(replaced.c_str(), 0));
+  ASSERT_EQ(truncate(replaced.c_str(), 0), 0);
+  ASSERT_TRUE(writeFile(replaced, std::string(300, 'x')));
+  std::unique_ptr<qro_common::FontInfo> analyzed(analyzer.Analyze());
+  ASSERT_NE(analyzed, nullptr);
+  analyzer.AnalyzeData(*analyzed);
+  analyzer.Close();
+  ASSERT_NE(analyzed->GetCharMetricsInfo(), nullptr);
+  for (unsigned code : {0x41u, 0x7Eu, 0xAC00u}) {
+    const qro_common::CharMetrics* metrics = analyzed->GetCharMetricsInfo()->GetCharMetrics(code);
+    ASSERT_NE(metrics, nullptr) << code;
+    EXPECT_EQ(metrics->GetAdvance(), basic.chars.at(code).advance) << code;
+  }
+  // A large font, so that the glyph asked for after the change was never
+  // read before it.
+  const std::string large = dir.file("large.ttf");
+  ASSERT_TRUE(writeFile(large, readFile("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf")));
+  info.SetFilePath(new std::string(large));
+  float x = 0, y = 0;
+  ASSERT_EQ(manager.OutlineToPath(&info, 'A', x, y, &path), 0);
+  ASSERT_EQ(truncate(large.c_str(), 0), 0);
+  EXPECT_EQ(manager.OutlineToPath(&info, 0x416, x, y, &path), -1);  // Cyrillic Zhe
 }
 
 }  // namespace

@@ -1,10 +1,16 @@
 #include "tests/common/manager/ManagerScenario.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <filesystem>
+#include <sstream>
 #include <stdexcept>
 
+#include "common/font_info/CharMetrics.h"
 #include "common/font_info/FontInfo.h"
+#include "common/font_info/FontMetrics.h"
 #include "common/font_info/KerningInfo.h"
+#include "common/registry/FontTable.h"
 #include "tests/common/font_info/TableBuilders.h"
 #include "tests/support/TestFonts.h"
 #include "tests/support/TestPackage.h"
@@ -88,13 +94,142 @@ const Scenario& Scenario::get() {
   return *scenario;
 }
 
-ManagerRig start(const std::string& storage, const std::vector<std::string>& directories) {
+ManagerRig start(const std::string& storage, const std::vector<std::string>& directories,
+                 bool package) {
   ManagerRig rig;
-  rig.extracter.reset(
-      new qro_ni::DefaultFontInfoFileExtracter(storage, Scenario::get().packageDir + "/"));
+  rig.extracter.reset(new qro_ni::DefaultFontInfoFileExtracter(
+      storage, package ? Scenario::get().packageDir + "/" : storage + "no-package/"));
   rig.manager.reset(new TestFontManager(rig.extracter.get(), storage, directories));
   rig.manager->Initialize();
   return rig;
+}
+
+std::vector<std::string> fieldsOf(const std::string& token) {
+  std::vector<std::string> a;
+  std::istringstream parts(token);
+  for (std::string part; std::getline(parts, part, ',');) a.push_back(part);
+  a.resize(6);
+  for (std::string& field : a) std::replace(field.begin(), field.end(), '_', ' ');
+  return a;
+}
+
+namespace {
+
+// A font by index or by name; "$LONG" is longname.ttf's family name as the
+// table keeps it: its first 82 syllables (246 bytes of UTF-8).
+int fontOf(const qro_common::FontManager& manager, const std::string& field) {
+  if (!field.empty() && (std::isdigit(static_cast<unsigned char>(field[0])) || field[0] == '-')) {
+    return std::stoi(field);
+  }
+  std::string name = field;
+  if (field == "$LONG") {
+    name.clear();
+    for (int i = 0; i < 82; ++i) {
+      const unsigned c = 0xAC00 + (i * 37) % 11172;
+      name += {char(0xE0 | c >> 12), char(0x80 | (c >> 6 & 0x3F)), char(0x80 | (c & 0x3F))};
+    }
+  }
+  return manager.GetFontIndex(name);
+}
+
+unsigned codeOf(const std::string& field) {
+  if (field.size() == 1) return static_cast<unsigned char>(field[0]);
+  return static_cast<unsigned>(std::stoul(field.substr(field.rfind("U+", 0) == 0 ? 2 : 0), nullptr,
+                                          field.rfind("U+", 0) == 0 ? 16 : 0));
+}
+
+std::string spaced(std::string text) {
+  std::replace(text.begin(), text.end(), ' ', '_');
+  return text;
+}
+
+std::string number(double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.6g", value);
+  return text;
+}
+
+// A face: its file when it has one, else its font name.
+std::string faceOf(const qro_common::FontInfo* info) {
+  if (info == nullptr) return "-1";
+  const std::string* path = info->GetFilePath();
+  return spaced(path != nullptr ? *path : info->GetFontName() ? *info->GetFontName() : "?");
+}
+
+}  // namespace
+
+std::string ask(qro_common::FontManager& m, const std::string& token) {
+  const std::vector<std::string> a = fieldsOf(token);
+  const std::string& op = a[0];
+  const int font = fontOf(m, a[1]);
+  const std::string& style = op == "s" ? a[2] : a[3];
+  const bool bold = style.find('b') != std::string::npos,
+             italic = style.find('i') != std::string::npos;
+  auto name = [&](int index) { return index < 0 ? "-1" : spaced(m.GetFontName(index)); };
+  qro_base::DeferredDeleter::ReadSection section(m.GetFontTable()->GetDeferredDeleter());
+  if (op == "n") return name(font);
+  if (op == "r") return number(m.GetCharAdvanceRatio(font, codeOf(a[2]), bold, italic));
+  if (op == "a") {
+    const qro_common::CharMetrics* metrics = m.GetCharMetrics(font, codeOf(a[2]), bold, italic);
+    return std::to_string(metrics == nullptr ? -1 : metrics->GetAdvance());
+  }
+  if (op == "i") return std::to_string(m.IsVisibleChar(font, codeOf(a[2])));
+  if (op == "v") {
+    int found = font;
+    unsigned ch = codeOf(a[2]);
+    const bool substituted = m.ConfirmVisibleChar(found, ch, bold, italic);
+    char hex[16];
+    std::snprintf(hex, sizeof hex, ":%X", ch);
+    return name(found) + hex + (substituted ? "*" : "");
+  }
+  if (op == "g") {
+    const int script = a[4].empty() ? -1 : std::stoi(a[4]);
+    return number(m.GetGlyphAdvanceRatio(font, script, codeOf(a[2]), bold, italic));
+  }
+  if (op == "k")
+    return std::to_string(m.GetKerningWidth(font, bold, italic, codeOf(a[2]), codeOf(a[3])));
+  if (op == "s") {
+    return faceOf(a[3].empty() ? m.ResolveSystemFontInfo(font, bold, italic)
+                               : m.ResolveSystemFontInfo(font, std::stoi(a[3]), bold, italic));
+  }
+  if (op == "O") {
+    RecordingPath path;
+    float x = 0, y = 0;
+    const int status =
+        m.OutlineToPath(m.ResolveSystemFontInfo(font, bold, italic), codeOf(a[2]), x, y, &path);
+    return std::to_string(status) + "/" + std::to_string(path.out.size()) + "/" + number(x);
+  }
+  if (op == "u") return std::to_string(m.ResolveFontMetrics(font)->GetUnitsPerEm());
+  if (op == "b") return std::to_string(m.IsFontBold(font));
+  if (op == "B") return spaced(m.GetLocaleFontName(font));
+  if (op == "Y") return name(m.GetScriptDefaultFontList().at(std::stoul(a[1])));
+  if (op == "Q") return name(m.GetDefaultFontIndex(std::stoi(a[1])));
+  const qro_common::FontInfo* info = m.GetFontInfo(font, bold, italic);
+  if (op == "p") return faceOf(info);
+  if (op == "f") return info == nullptr ? "-1" : std::to_string(info->GetFaceIndex());
+  if (op == "L") return std::to_string(info != nullptr && info->GetCharMetricsInfo() != nullptr);
+  if (op == "C") return std::to_string(info != nullptr && info->IsCJK());
+  const qro_common::FontTable& table = *m.GetFontTable();
+  if (op == "c") return std::to_string(table.GetFontInfoCount());
+  if (op == "P") {  // every face of the records named so, and its style
+    std::vector<std::string> faces;
+    for (int i = 0; i < table.GetFontInfoCount(); ++i) {
+      const qro_common::FontInfo* record = table.GetFontInfo(i);
+      if (record->GetFontName() == nullptr || *record->GetFontName() != a[1]) continue;
+      faces.push_back(faceOf(record) + ":" +
+                      spaced(record->GetStyleName() ? *record->GetStyleName() : ""));
+    }
+    std::sort(faces.begin(), faces.end());
+    std::string joined;
+    for (const std::string& face : faces) joined += (joined.empty() ? "" : "+") + face;
+    return joined;
+  }
+  if (op == "l") {
+    const std::vector<const qro_common::FontInfo*> loaded = m.GetLoadedFontInfos();
+    return std::to_string(loaded.size()) + ":" + (loaded.empty() ? "" : faceOf(loaded.front()));
+  }
+  if (op == "m") return std::to_string(m.IsModified());
+  return "unknown call";
 }
 
 }  // namespace kelfont_test

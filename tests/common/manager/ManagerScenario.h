@@ -30,7 +30,9 @@ struct RecordingPath : qro_graphics::Path {
   void reset() override { out.push_back('R'); }
   void moveTo(float x, float y) override { out.insert(out.end(), {'M', x, y}); }
   void lineTo(float x, float y) override { out.insert(out.end(), {'L', x, y}); }
-  void quadTo(float a, float b, float x, float y) override { out.insert(out.end(), {'Q', a, b, x, y}); }
+  void quadTo(float a, float b, float x, float y) override {
+    out.insert(out.end(), {'Q', a, b, x, y});
+  }
   void cubicTo(float a, float b, float c, float d, float x, float y) override {
     out.insert(out.end(), {'C', a, b, c, d, x, y});
   }
@@ -58,7 +60,15 @@ struct ManagerRig {
   TestFontManager* operator->() const { return manager.get(); }
 };
 
-// An initialised manager on `storage` (ending in "/") and the package.
-ManagerRig start(const std::string& storage, const std::vector<std::string>& directories);
+// An initialised manager on `storage` (ending in "/"), with the package
+// or with none.
+ManagerRig start(const std::string& storage, const std::vector<std::string>& directories,
+                 bool package = true);
+
+// One query of tests/data/manager_scripts.tsv (its header lists them) and
+// the answer; safe to call from several threads at once.
+std::string ask(qro_common::FontManager& manager, const std::string& token);
+// The fields of a call, split at commas ("_" in names stands for a space).
+std::vector<std::string> fieldsOf(const std::string& token);
 
 }  // namespace kelfont_test

@@ -1,0 +1,383 @@
+// The font manager as a host runs it, on real fonts, hostile font folders
+// and a default package: the scenarios of tests/data/manager_scripts.tsv.
+
+#include <ft2build.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+#include FT_FREETYPE_H
+
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <sstream>
+#include <utility>
+
+#include "base/Environment.h"
+#include "common/analysis/FontFileAnalyzer.h"
+#include "common/analysis/FontUSBType.h"
+#include "common/font_info/CharMetrics.h"
+#include "common/font_info/CharMetricsInfo.h"
+#include "common/font_info/FontInfo.h"
+#include "common/font_info/FontInfoSerializer.h"
+#include "common/registry/FontTable.h"
+#include "tests/common/manager/ManagerScenario.h"
+#include "tests/support/Cases.h"
+#include "tests/support/FileSizeLimit.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/Python.h"
+#include "tests/support/TestFonts.h"
+
+namespace kelfont_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// "=FILE:CHAR[+N]": the advance FreeType reads from the font, N units more;
+// "~FILE:CHAR[+N]": that advance per em. FILE: dejavu, nanum or a generated font.
+std::string reference(const std::string& token) {
+  const std::size_t colon = token.find(':');
+  const std::size_t plus = token.find_first_of("+-", colon + (token[colon + 1] == 'U' ? 3 : 2));
+  std::string file = token.substr(1, colon - 1);
+  file = file == "dejavu"  ? "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"
+         : file == "nanum" ? "/usr/share/fonts/truetype/nanum/NanumGothic.ttf"
+                           : testFontPath(file);
+  const std::string ch = token.substr(colon + 1, plus - colon - 1);
+  FT_Library library;
+  FT_Face face;
+  FT_Init_FreeType(&library);
+  if (FT_New_Face(library, file.c_str(), 0, &face) != 0) return "unreadable:" + file;
+  if (face->charmap == nullptr) FT_Select_Charmap(face, FT_ENCODING_MS_SYMBOL);
+  const unsigned long code = ch.size() == 1 ? ch[0] : std::stoul(ch.substr(2), nullptr, 16);
+  EXPECT_EQ(FT_Load_Char(face, code, FT_LOAD_NO_SCALE), 0) << token;
+  const long advance = face->glyph->metrics.horiAdvance +
+                       (plus == std::string::npos ? 0 : std::stol(token.substr(plus)));
+  const long em = face->units_per_EM;
+  FT_Done_FreeType(library);
+  char text[32];
+  std::snprintf(text, sizeof text, "%.6g",
+                token[0] == '=' ? double(advance) : double(float(advance) / float(em)));
+  return text;
+}
+
+std::string le(unsigned value, int size) {
+  std::string bytes;
+  for (int i = 0; i < size; ++i) bytes += static_cast<char>((value >> (8 * i)) & 0xFF);
+  return bytes;
+}
+
+// The mark of the "fi" bytes: FNV-1a's step over the file as 8-byte
+// little-endian words (the last zero-padded), the byte count mixed in last.
+std::string fingerprint(const std::string& fi) {
+  std::uint64_t hash = 14695981039346656037ull;
+  const std::string padded = fi + std::string((8 - fi.size() % 8) % 8, '\0');
+  for (std::size_t i = 0; i < padded.size(); i += 8) {
+    std::uint64_t word = 0;
+    for (int b = 0; b < 8; ++b)
+      word |= std::uint64_t(static_cast<unsigned char>(padded[i + b])) << (8 * b);
+    hash = (hash ^ word) * 1099511628211ull;
+  }
+  hash ^= fi.size();
+  return le(static_cast<unsigned>(hash), 4) + le(static_cast<unsigned>(hash >> 32), 4);
+}
+
+// Advances by style and code point of the static instances of a variable
+// font, as a TrueType composite takes them: from its last component flagged
+// USE_MY_METRICS, when one is.
+const char* kInstancer = R"(
+import sys
+from fontTools.ttLib import TTFont
+from fontTools.varLib import instancer
+path = sys.argv[1]
+base = TTFont(path)
+for inst in base['fvar'].instances:
+    style = base['name'].getDebugName(inst.subfamilyNameID)
+    if style not in sys.argv[2:]:
+        continue
+    font = TTFont(path)
+    for tag in ('GSUB', 'GPOS', 'GDEF'):  # no part of the advances; slow to instance
+        if tag in font:
+            del font[tag]
+    font = instancer.instantiateVariableFont(font, inst.coordinates)
+    glyf = font['glyf']
+    for code, glyph in font.getBestCmap().items():
+        while glyf[glyph].isComposite():
+            mine = [c.glyphName for c in glyf[glyph].components if c.flags & 0x200]
+            if not mine:
+                break
+            glyph = mine[-1]
+        print(style.replace(' ', '_'), code, font['hmtx'][glyph][0])
+)";
+
+// One script: a storage folder, the font folders, the manager started last.
+struct Script {
+  const Scenario& scenario = Scenario::get();
+  TempDir root;
+  const std::string storage = root.file("storage") + "/";
+  std::string folder = root.file("fonts");
+  std::vector<std::string> dirs;
+  bool package = true;
+  ManagerRig rig;
+  std::unique_ptr<FileSizeLimit> limit;
+  LogCapture log;
+  std::size_t logSeen = 0;
+  unsigned long opens = qro_common::FontFileAnalyzer::GetOpenCount();
+  std::map<std::string, std::pair<std::string, fs::file_time_type>> kept;
+
+  explicit Script(const std::string& setup) {
+    if (setup == "scenario") dirs = {scenario.dirA, scenario.dirB};
+    if (setup == "deep") {
+      while (folder.size() < 2300) folder += "/" + std::string(200, 'd');
+    }
+    if (setup == "folder" || setup == "deep") {
+      fs::create_directories(folder);
+      dirs = {folder};
+      package = false;
+    }
+  }
+  // A cache file: "@FONT" is the data file of the font's regular face.
+  std::string file(const std::string& name) {
+    if (name[0] != '@') return storage + "FInfo/" + name;
+    const qro_common::FontInfo* info =
+        rig->GetFontInfo(rig->GetFontIndex(name.substr(1)), false, false);
+    return storage + "FInfo/Fdata/" + std::to_string(info != nullptr ? info->GetInfoIndex() : -1);
+  }
+  // A cache file's bytes and time; "*": every cache file by name, the table
+  // without its font folder times.
+  std::pair<std::string, fs::file_time_type> contents(const std::string& name) {
+    if (name != "*") return {readFile(file(name)), fs::last_write_time(file(name))};
+    std::map<std::string, std::string> files;
+    for (const auto& entry : fs::recursive_directory_iterator(storage + "FInfo")) {
+      if (entry.is_regular_file()) files[entry.path().string()] = readFile(entry.path().string());
+    }
+    std::string& table = files[file("Ftable")];
+    table.erase(26, 4 + std::stoul(table.substr(26, 4), nullptr, 16));
+    std::string all;
+    for (const auto& [path, bytes] : files) all += path + "\n" + bytes;
+    return {all, {}};
+  }
+  std::string call(const std::string& token);
+};
+
+std::string Script::call(const std::string& token) {
+  const std::vector<std::string> a = fieldsOf(token);
+  const std::string& op = a[0];
+  if (op == "S") {  // (re)start, with a file size limit or in an interface language
+    rig = ManagerRig();
+    limit.reset();
+    if (std::isdigit(static_cast<unsigned char>(a[1][0])))
+      limit.reset(new FileSizeLimit(std::stoul(a[1])));
+    qro_base::Environment& environment = qro_base::ensureEnvironment();
+    const qro_base::Locale saved = environment.GetUILocale();
+    if (!a[1].empty() && !limit)
+      environment.SetUILocale(qro_base::Locale(a[1].substr(0, 2), a[1].substr(3)));
+    rig = start(storage, dirs, package);
+    environment.SetUILocale(saved);
+    return ".";
+  }
+  if (op == "opens") {
+    const unsigned long now = qro_common::FontFileAnalyzer::GetOpenCount();
+    return std::to_string(now - std::exchange(opens, now));
+  }
+  if (op == "log") {  // lines since the last look that hold the word, and the last of them
+    const std::vector<std::string> lines = log.messages();
+    std::string last;
+    int count = 0;
+    for (std::size_t i = std::exchange(logSeen, lines.size()); i < lines.size(); ++i) {
+      if (lines[i].find(a[1]) == std::string::npos) continue;
+      ++count;
+      last = lines[i];
+    }
+    const std::size_t at = last.find(storage);
+    if (at != std::string::npos) last.replace(at, storage.size(), "$");
+    for (char& c : last) c = std::isdigit(static_cast<unsigned char>(c)) ? '9' : c == ' ' ? '_' : c;
+    return std::to_string(count) + ":" + last;
+  }
+  if (op == "exists") return std::to_string(fs::exists(file(a[1])));
+  if (op == "keep") {
+    if (a[1] != "*" && !fs::exists(file(a[1]))) return "missing";
+    kept[a[1]] = contents(a[1]);
+    return ".";
+  }
+  if (op == "same") {
+    const auto& [bytes, time] = kept[a[1]];
+    const auto now = contents(a[1]);
+    return now.first != bytes ? "changed" : now.second != time ? "rewritten" : "same";
+  }
+  if (op ==
+      "I") {  // the records of a variable font of F against fontTools' instances of the styles
+    std::vector<std::string> args{folder + "/" + a[1]};
+    for (std::size_t i = 2; i < a.size() && !a[i].empty(); ++i) args.push_back(a[i]);
+    std::string output;
+    if (!runPython(kInstancer, args, &output)) return "!";
+    std::map<std::string, std::map<unsigned, int>> advances;
+    std::istringstream lines(output);
+    std::string style;
+    for (unsigned code = 0, advance = 0; lines >> style >> code >> advance;) {
+      advances[fieldsOf(style)[0]][code] = static_cast<int>(advance);
+    }
+    const qro_common::FontTable& table = *rig->GetFontTable();
+    qro_common::FontInfoSerializer serializer(storage);
+    std::string family;
+    for (int i = 0; i < table.GetFontInfoCount(); ++i) {
+      qro_common::FontInfo& info = *table.GetFontInfo(i);
+      if (info.GetFilePath() == nullptr || *info.GetFilePath() != args[0] || !info.GetStyleName() ||
+          advances.count(*info.GetStyleName()) == 0 || !serializer.ReadData(info)) {
+        continue;
+      }
+      family = *info.GetFontName();
+      std::size_t checked = 0;
+      for (const auto& [code, advance] : advances[*info.GetStyleName()]) {
+        const qro_common::CharMetrics* metrics = info.GetCharMetricsInfo()->GetCharMetrics(code);
+        if (metrics != nullptr && metrics->GetAdvance() != advance)
+          return "U+" + std::to_string(code);
+        checked += metrics != nullptr;
+      }
+      if (checked <= advances[*info.GetStyleName()].size() / 2)
+        return *info.GetStyleName() + ":few";
+    }
+    for (bool bold : {false, true}) {  // what regular and bold queries take
+      const qro_common::CharMetrics* metrics = rig->GetCharMetrics(family, 'A', bold, false);
+      if (metrics == nullptr || metrics->GetAdvance() != advances[bold ? "Bold" : "Regular"]['A']) {
+        return bold ? "bold" : "regular";
+      }
+    }
+    return std::to_string(advances.size());
+  }
+  if (op == "cut") {
+    const std::string bytes = readFile(file(a[1]));
+    return writeFile(file(a[1]), bytes.substr(0, bytes.size() / 2)) ? "." : "!";
+  }
+  if (op == "flip") {  // one byte of a cache file changed
+    std::string bytes = readFile(file(a[1]));
+    bytes[std::stoul(a[2])] ^= 1;
+    return writeFile(file(a[1]), bytes) ? "." : "!";
+  }
+  if (op == "fx") {  // "fx" holds the mark of "fi", then the codes given, each a run of FONT
+    std::string runs;
+    for (std::size_t i = 2; i < a.size() && !a[i].empty(); ++i) {
+      const unsigned code = std::stoul(a[i].substr(2), nullptr, 16);
+      runs += le(code, 4) + le(code, 4) + le(static_cast<unsigned>(rig->GetFontIndex(a[1])), 2);
+    }
+    const std::string fi = readFile(file("fi"));
+    return readFile(file("fx")) == fingerprint(fi) + le(unsigned(runs.size() / 10), 4) + runs
+               ? "ok"
+               : "differs";
+  }
+  if (op == "version") {  // the table of another version, and a stale data file
+    std::string table = readFile(file("Ftable"));
+    if (table.compare(0, 26, "001613Table Version 2.054\n") != 0) return "!";
+    return writeFile(file("Ftable"), table.replace(20, 5, "1.000")) &&
+                   writeFile(file("Fdata/999"), "stale")
+               ? "."
+               : "!";
+  }
+  if (op == "header") {
+    std::string header = readFile(file("Ftable")).substr(0, 25);
+    std::replace(header.begin(), header.end(), ' ', '_');
+    return header;
+  }
+  if (op == "touch") {
+    const std::string& dir = dirs[std::stoul(a[1])];
+    fs::last_write_time(dir, fs::last_write_time(dir) - std::chrono::hours(1));
+    return ".";
+  }
+  if (op == "update") return std::to_string(rig->Update());
+  if (op == "datafiles") {
+    return std::to_string(
+        std::distance(fs::directory_iterator(file("Fdata")), fs::directory_iterator()));
+  }
+  if (op == "load") {  // package fonts 1..N
+    for (int n = 1; n <= std::stoi(a[1]); ++n) {
+      if (rig->GetCharMetrics(rig->GetFontIndex(packageFontName(n)), 'A', false, false) == nullptr)
+        return "!";
+    }
+    return ".";
+  }
+  const std::string path = folder + "/" + a[1];
+  if (op == "font") {  // a copy of a generated font, cut short or with bytes replaced
+    std::string source = a[2];
+    std::replace(source.begin(), source.end(), ' ', '_');
+    std::string bytes = source.empty()     ? ""
+                        : source[0] == '/' ? readFile(source)
+                                           : readFile(testFontPath(source));
+    if (!a[3].empty() && a[3][0] == '@')
+      bytes.replace(std::stoul(a[3].substr(1)), a[4].size() / 2, unhex(a[4]));
+    if (!a[3].empty() && a[3][0] != '@') bytes.resize(std::stoul(a[3]));
+    return writeFile(path, bytes) ? "." : "!";
+  }
+  if (op == "dir") return fs::create_directory(path) ? "." : "!";
+  if (op == "link") return symlink((folder + "/" + a[2]).c_str(), path.c_str()) == 0 ? "." : "!";
+  if (op == "renamed") {  // basic.ttf as FAMILY STYLE, with the Korean code page when "cjk"
+    const char* program = R"(
+import sys
+from fontTools.ttLib import TTFont
+src, dst, family, style, cjk = sys.argv[1:]
+font = TTFont(src)
+for record in font['name'].names:
+    if record.nameID in (1, 16): record.string = family
+    if record.nameID in (2, 17): record.string = style
+    if record.nameID in (4, 6): record.string = family + ' ' + style
+if cjk: font['OS/2'].ulCodePageRange1 |= 1 << 19
+font.save(dst)
+)";
+    return runPython(program, {testFontPath("basic.ttf"), path, a[2], a[3], a[4]}) ? "." : "!";
+  }
+  if (op == "D") {  // every character of a generated font in a range slot, 1 in 61
+    const ExpectedFace face = expectedFace(a[2]);
+    int checked = 0;
+    for (const auto& [code, ch] : face.chars) {
+      const int usb = qro_common::FontUSBType::GetUSBType(code);
+      if (usb == 57 || (usb > 122 && usb != 127) || code % 61 != 0) continue;
+      const qro_common::CharMetrics* metrics = rig->GetCharMetrics(a[1], code, false, false);
+      if (metrics == nullptr || metrics->GetAdvance() != ch.advance)
+        return "U+" + std::to_string(code);
+      ++checked;
+    }
+    return std::to_string(checked);
+  }
+  std::string answer = ask(*rig.manager, token);
+  for (const auto& [dir, mark] :
+       {std::pair{folder, "F"}, {scenario.dirA, "A"}, {scenario.dirB, "B"}}) {
+    for (std::size_t at; (at = answer.find(dir + "/")) != std::string::npos;)
+      answer.replace(at, dir.size(), mark);
+  }
+  return answer;
+}
+
+// The lines of tests/data/manager_scripts.tsv, those on the Android fonts
+// ("$ANDROID" their folder) or the others.
+void runLines(const char* android) {
+  for (const Case& c : cases("manager_scripts.tsv")) {
+    if ((c[0] == "android") != (android != nullptr)) continue;
+    Script script(android != nullptr ? "folder" : c[0]);
+    std::string calls = c[1], answers, expected;
+    if (android != nullptr && calls.find("$ANDROID") != std::string::npos)
+      calls.replace(calls.find("$ANDROID"), 8, android);
+    std::istringstream tokens(calls), wanted(c[2]);
+    for (std::string token; tokens >> token;)
+      answers += (answers.empty() ? "" : " ") + script.call(token);
+    for (std::string token; wanted >> token;) {
+      expected += (expected.empty() ? "" : " ") +
+                  (token[0] == '=' || token[0] == '~' ? reference(token) : token);
+    }
+    EXPECT_EQ(answers, expected) << c.line;
+  }
+}
+
+TEST(FontManagerScripts, Lines) { runLines(nullptr); }
+
+TEST(FontManagerScripts, AndroidFonts) {
+  const char* folder = std::getenv("KELFONT_ANDROID_FONTS");
+  if (folder == nullptr || *folder == '\0') {
+    GTEST_SKIP() << "KELFONT_ANDROID_FONTS is not set (scripts/android-fonts.sh DIR makes the set)";
+  }
+  runLines(folder);
+}
+
+}  // namespace
+}  // namespace kelfont_test
