@@ -50,7 +50,10 @@ std::string reference(const std::string& token) {
   FT_Library library;
   FT_Face face;
   FT_Init_FreeType(&library);
-  if (FT_New_Face(library, file.c_str(), 0, &face) != 0) return "unreadable:" + file;
+  if (FT_New_Face(library, file.c_str(), 0, &face) != 0) {
+    FT_Done_FreeType(library);
+    return "unreadable:" + file;
+  }
   if (face->charmap == nullptr) FT_Select_Charmap(face, FT_ENCODING_MS_SYMBOL);
   const unsigned long code = ch.size() == 1 ? ch[0] : std::stoul(ch.substr(2), nullptr, 16);
   EXPECT_EQ(FT_Load_Char(face, code, FT_LOAD_NO_SCALE), 0) << token;
