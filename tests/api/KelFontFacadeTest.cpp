@@ -191,7 +191,7 @@ TEST(KelFontFacadeScripts, Lines) {
 // Eight threads ask everything at once, over more faces than stay loaded,
 // while another keeps clearing the loaded data (run under ThreadSanitizer and
 // AddressSanitizer in CI): every answer is the one a single thread got.
-TEST(KelFontFacadeScripts, EightThreadsAnswerAsOneWhileFacesAreDroppedAndReloaded) {
+TEST(KelFontFacadeConcurrency, EightThreadsAnswerAsOneWhileFacesAreDroppedAndReloaded) {
   kelfont_test::TempDir dir;
   const std::string base = prepare(dir, "crowd");
   init(base);
