@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 
 namespace kelfont_test {
 
@@ -14,6 +16,15 @@ const std::string& Case::operator[](size_t i) const {
 }
 
 long long Case::num(size_t i) const { return std::strtoll((*this)[i].c_str(), nullptr, 0); }
+
+std::string Case::raw(size_t i) const {
+  std::istringstream in(line);
+  std::string field;
+  for (size_t n = 0; std::getline(in, field, '\t'); ++n) {
+    if (n == i) return field;
+  }
+  return "";
+}
 
 std::vector<Case> cases(const std::string& name) {
   std::ifstream in(std::string(KELFONT_TEST_SOURCE_DIR) + "/data/" + name);
@@ -88,6 +99,45 @@ std::string escape(const std::string& bytes) {
     out += c >= 0x20 && c < 0x7F && c != '\\' ? std::string(1, static_cast<char>(c)) : hex;
   }
   return out;
+}
+
+std::string expand(const std::string& text) {
+  std::string out;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const size_t star = text.find_first_not_of("0123456789", i + 1);
+    const size_t end = text.find('}', star);
+    if (text[i] != '{' || star == i + 1 || end == std::string::npos || text[star] != '*') {
+      out += text[i];
+      continue;
+    }
+    for (long n = std::strtol(text.c_str() + i + 1, nullptr, 10); n > 0; --n)
+      out += text.substr(star + 1, end - star - 1);
+    i = end;
+  }
+  return out;
+}
+
+std::string runs(const std::string& text) {
+  std::string out;
+  for (size_t i = 0, n; i < text.size(); i += n) {
+    n = text.find_first_not_of(text[i], i) - i;
+    n = std::min(n, text.size() - i);
+    out += n > 11 ? "{" + std::to_string(n) + "*" + text[i] + "}" : text.substr(i, n);
+  }
+  return out;
+}
+
+std::string hex(unsigned long long value) {
+  char text[24];
+  std::snprintf(text, sizeof text, "0x%llX", value);
+  return text;
+}
+
+void expectCalls(const Case& c, size_t calls, const Call& call) {
+  std::istringstream in(c[calls]);
+  std::ostringstream said;
+  for (std::string op; in >> op; said << ' ') call(expand(op), said);
+  EXPECT_EQ(runs(said.str()), c.raw(c.fields.size() - 1) + " ") << c.line;
 }
 
 }  // namespace kelfont_test

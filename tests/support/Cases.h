@@ -2,6 +2,8 @@
 // Cases kept as data: tests/data/NAME, one case a line, fields separated by
 // tabs; blank lines and lines starting with '#' are left out. Fields may use
 // C escapes (\t \n \r \0 \\ \xHH).
+#include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -13,7 +15,8 @@ struct Case {
   std::string line;                 // as written, for failure messages
   std::vector<std::string> fields;  // unescaped
   const std::string& operator[](size_t i) const;
-  long long num(size_t i) const;  // decimal, or hex with 0x
+  long long num(size_t i) const;    // decimal, or hex with 0x
+  std::string raw(size_t i) const;  // as written, escapes kept
 };
 
 std::vector<Case> cases(const std::string& name);
@@ -24,5 +27,15 @@ std::string unhex(const std::string& text);
 qro_base::u16string units(const std::string& text);
 // The bytes as C-escaped text: printable ASCII as it is, others as \xHH.
 std::string escape(const std::string& bytes);
+// "{N*TEXT}" as N copies of TEXT, and back: runs of more than 11 equal characters as "{N*c}".
+std::string expand(const std::string& text);
+std::string runs(const std::string& text);
+// "0x" and the value in upper-case hex digits.
+std::string hex(unsigned long long value);
+// A script of calls: each blank-separated call of field `calls` (expanded) goes to `call`, which
+// writes its answer; the answers, one blank after each, with runs() taken, are the case's last
+// field as written.
+using Call = std::function<void(const std::string& call, std::ostream& said)>;
+void expectCalls(const Case& c, size_t calls, const Call& call);
 
 }  // namespace kelfont_test
