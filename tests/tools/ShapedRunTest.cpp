@@ -7,10 +7,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
-#include <memory>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "api/kelfont.h"
@@ -20,6 +18,7 @@
 #include "common/registry/FontTable.h"
 #include "native/DefaultFontInfoFileExtracter.h"
 #include "tests/support/Cases.h"
+#include "tests/support/Concurrently.h"
 #include "tests/support/TempDir.h"
 #include "tests/tools/ToolTestSupport.h"
 #include "tools/kelfont/ToolFontManager.h"
@@ -33,142 +32,121 @@ namespace {
 using kelfont_bench::localeWords;
 using qro_common::RunMeasure;
 
-class ShapedRun : public ::testing::Test {
- protected:
-  static void SetUpTestSuite() {
+kelfont_tool::ToolFontManager* manager_ = nullptr;
+
+const char kNoCorpus[] =
+    "needs the Android font corpus: KELFONT_ANDROID_FONTS=DIR after scripts/android-fonts.sh DIR";
+
+// A manager on the Android fonts and lists, packed once; null without the corpus.
+kelfont_tool::ToolFontManager* androidManager() {
+  static kelfont_tool::ToolFontManager* manager = []() -> kelfont_tool::ToolFontManager* {
     const char* corpus = std::getenv("KELFONT_ANDROID_FONTS");
-    if (corpus == nullptr || *corpus == '\0') return;
-    dir_ = new kelfont_test::TempDir();
+    if (corpus == nullptr || *corpus == '\0') return nullptr;
+    static kelfont_test::TempDir dir;
     std::string err;
     if (kelfont_test::runTool(
             {"pack", "--quiet", "--lists", std::string(KELFONT_DATA_DIR) + "/android", "-o",
-             dir_->file("qrfont.zip"), "--fonts", corpus},
+             dir.file("qrfont.zip"), "--fonts", corpus},
             nullptr, &err) != 0) {
       ADD_FAILURE() << err;
-      return;
+      return nullptr;
     }
-    const std::string storage = dir_->file("storage/");
-    extracter_ = new qro_ni::DefaultFontInfoFileExtracter(storage, dir_->path() + "/");
-    manager_ = new kelfont_tool::ToolFontManager(extracter_, storage, {corpus});
-    manager_->Initialize();
-  }
-  static void TearDownTestSuite() {
-    delete manager_;
-    delete extracter_;
-    delete dir_;
-    manager_ = nullptr;
-  }
-  void SetUp() override {
-    if (manager_ == nullptr) {
-      GTEST_SKIP() << "needs the Android font corpus: KELFONT_ANDROID_FONTS=DIR after "
-                      "scripts/android-fonts.sh DIR";
-    }
-  }
-
-  static RunMeasure measure(int font, const std::u16string& text) {
-    RunMeasure m;
-    EXPECT_TRUE(manager_->MeasureRun(font, false, false, text.data(), text.size(), m));
+    const std::string storage = dir.file("storage/");
+    static qro_ni::DefaultFontInfoFileExtracter extracter(storage, dir.path() + "/");
+    auto* m = new kelfont_tool::ToolFontManager(&extracter, storage, {corpus});
+    m->Initialize();
     return m;
-  }
+  }();
+  return manager;
+}
 
-  // HarfBuzz's shaping of the run's sub-runs (consecutive units of one
-  // font) in the font files, each glyph's advance given to the measured
-  // cluster of its HarfBuzz cluster; checks that the measured clusters
-  // begin where HarfBuzz's do. Returns the total.
-  static double expectShapedLikeHarfBuzz(const std::u16string& text, const RunMeasure& m,
-                                         const std::string& what) {
+RunMeasure measure(int font, const std::u16string& text) {
+  RunMeasure m;
+  EXPECT_TRUE(manager_->MeasureRun(font, false, false, text.data(), text.size(), m));
+  return m;
+}
+
+// HarfBuzz's shaping of the run's sub-runs (consecutive units of one font) in the font files,
+// each glyph's advance given to the measured cluster of its HarfBuzz cluster; checks that the
+// measured clusters begin where HarfBuzz's do.
+void expectShapedLikeHarfBuzz(const std::u16string& text, const RunMeasure& m,
+                              const std::string& what) {
 #if KELFONT_HARFBUZZ
-    std::vector<double> expected(text.size(), 0.0);
-    double total = 0;
-    for (std::size_t begin = 0; begin < text.size();) {
-      std::size_t end = begin + 1;
-      while (end < text.size() && m.fonts[end] == m.fonts[begin]) ++end;
-      const qro_common::FontInfo* info =
-          manager_->GetFontTable()->ResolveFontInfo(m.fonts[begin], false, false, true);
-      EXPECT_TRUE(info != nullptr && info->GetFilePath() != nullptr) << what;
-      if (info == nullptr || info->GetFilePath() == nullptr) return 0;
-      std::unique_ptr<hb_blob_t, void (*)(hb_blob_t*)> blob(
-          hb_blob_create_from_file(info->GetFilePath()->c_str()), hb_blob_destroy);
-      std::unique_ptr<hb_face_t, void (*)(hb_face_t*)> face(
-          hb_face_create(blob.get(), static_cast<unsigned>(info->GetFreeTypeFaceIndex())),
-          hb_face_destroy);
-      std::unique_ptr<hb_font_t, void (*)(hb_font_t*)> font(hb_font_create(face.get()),
-                                                            hb_font_destroy);
-      const int upem = static_cast<int>(hb_face_get_upem(face.get()));
-      hb_font_set_scale(font.get(), upem, upem);
-      std::unique_ptr<hb_buffer_t, void (*)(hb_buffer_t*)> owned(hb_buffer_create(),
-                                                                 hb_buffer_destroy);
-      hb_buffer_t* buffer = owned.get();
-      hb_buffer_add_utf16(buffer, reinterpret_cast<const uint16_t*>(text.data()),
-                          static_cast<int>(text.size()), static_cast<unsigned>(begin),
-                          static_cast<int>(end - begin));
-      if (const char* language = qro_common::RunMeasurer::LanguageOf(manager_->GetUILangCode())) {
-        hb_buffer_set_language(buffer, hb_language_from_string(language, -1));
-      }
-      hb_buffer_guess_segment_properties(buffer);
-      hb_shape(font.get(), buffer, nullptr, 0);
-      unsigned count = 0;
-      hb_glyph_info_t* glyphs = hb_buffer_get_glyph_infos(buffer, &count);
-      hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, nullptr);
-      std::vector<bool> hbStart(text.size(), false);
-      for (unsigned g = 0; g < count; ++g) {
-        std::size_t owner = glyphs[g].cluster;
-        hbStart[owner] = true;
-        while (owner > begin && !m.clusterStarts[owner]) --owner;
-        expected[owner] += static_cast<double>(positions[g].x_advance) / upem;
-        total += static_cast<double>(positions[g].x_advance) / upem;
-      }
-      for (std::size_t u = begin + 1; u < end; ++u) {
-        EXPECT_EQ(m.clusterStarts[u] != 0, hbStart[u]) << what << ": unit " << u;
-      }
-      begin = end;
+  std::vector<double> expected(text.size(), 0.0);
+  double total = 0;
+  for (std::size_t begin = 0, end; begin < text.size(); begin = end) {
+    for (end = begin + 1; end < text.size() && m.fonts[end] == m.fonts[begin];) ++end;
+    const qro_common::FontInfo* info =
+        manager_->GetFontTable()->ResolveFontInfo(m.fonts[begin], false, false, true);
+    ASSERT_TRUE(info != nullptr && info->GetFilePath() != nullptr) << what;
+    hb_blob_t* blob = hb_blob_create_from_file(info->GetFilePath()->c_str());
+    hb_face_t* face = hb_face_create(blob, static_cast<unsigned>(info->GetFreeTypeFaceIndex()));
+    hb_font_t* font = hb_font_create(face);
+    hb_buffer_t* buffer = hb_buffer_create();
+    const int upem = static_cast<int>(hb_face_get_upem(face));
+    hb_font_set_scale(font, upem, upem);
+    hb_buffer_add_utf16(buffer, reinterpret_cast<const uint16_t*>(text.data()),
+                        static_cast<int>(text.size()), static_cast<unsigned>(begin),
+                        static_cast<int>(end - begin));
+    if (const char* language = qro_common::RunMeasurer::LanguageOf(manager_->GetUILangCode())) {
+      hb_buffer_set_language(buffer, hb_language_from_string(language, -1));
     }
-    EXPECT_NEAR(m.totalEm, total, 1e-4) << what;
-    for (std::size_t u = 0; u < text.size(); ++u) {
-      EXPECT_NEAR(m.advances[u], expected[u], 1e-4) << what << ": unit " << u;
+    hb_buffer_guess_segment_properties(buffer);
+    hb_shape(font, buffer, nullptr, 0);
+    unsigned count = 0;
+    hb_glyph_info_t* glyphs = hb_buffer_get_glyph_infos(buffer, &count);
+    hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, nullptr);
+    std::vector<bool> hbStart(text.size(), false);
+    for (unsigned g = 0; g < count; ++g) {
+      std::size_t owner = glyphs[g].cluster;
+      hbStart[owner] = true;
+      while (owner > begin && !m.clusterStarts[owner]) --owner;
+      expected[owner] += static_cast<double>(positions[g].x_advance) / upem;
+      total += static_cast<double>(positions[g].x_advance) / upem;
     }
-    return total;
+    for (std::size_t u = begin + 1; u < end; ++u) {
+      EXPECT_EQ(m.clusterStarts[u] != 0, hbStart[u]) << what << ": unit " << u;
+    }
+    hb_buffer_destroy(buffer);
+    hb_font_destroy(font);
+    hb_face_destroy(face);
+    hb_blob_destroy(blob);
+  }
+  EXPECT_NEAR(m.totalEm, total, 1e-4) << what;
+  for (std::size_t u = 0; u < text.size(); ++u) {
+    EXPECT_NEAR(m.advances[u], expected[u], 1e-4) << what << ": unit " << u;
+  }
 #else
-    (void)text, (void)m, (void)what;
-    return 0;
+  (void)text, (void)m, (void)what;
 #endif
-  }
+}
 
-  // The per-character path: advance ratios plus the kerning of the font
-  // that shows each pair.
-  static double perCharacter(int font, const std::u16string& text) {
-    double total = 0;
-    int previousFont = -1;
-    unsigned previous = 0;
-    for (char16_t unit : text) {
-      int shownFont = font;
-      unsigned code = unit;
-      manager_->ConfirmVisibleChar(shownFont, code, false, false);
-      total += manager_->GetCharAdvanceRatio(font, unit, false, false);
-      if (shownFont == previousFont) {
-        const auto* metrics = manager_->GetFontTable()
-                                  ->ResolveFontInfo(shownFont, false, false, true)
-                                  ->GetFontMetrics();
-        total += static_cast<double>(
-                     manager_->GetKerningWidth(shownFont, false, false, previous, unit)) /
-                 metrics->GetUnitsPerEm();
-      }
-      previousFont = shownFont;
-      previous = unit;
+// The per-character path: advance ratios plus the kerning of the font that shows each pair.
+double perCharacter(int font, const std::u16string& text) {
+  double total = 0;
+  int previousFont = -1;
+  unsigned previous = 0;
+  for (char16_t unit : text) {
+    int shownFont = font;
+    unsigned code = unit;
+    manager_->ConfirmVisibleChar(shownFont, code, false, false);
+    total += manager_->GetCharAdvanceRatio(font, unit, false, false);
+    if (shownFont == previousFont) {
+      const auto* metrics = manager_->GetFontTable()
+                                ->ResolveFontInfo(shownFont, false, false, true)
+                                ->GetFontMetrics();
+      total +=
+          static_cast<double>(manager_->GetKerningWidth(shownFont, false, false, previous, unit)) /
+          metrics->GetUnitsPerEm();
     }
-    return total;
+    previousFont = shownFont;
+    previous = unit;
   }
+  return total;
+}
 
-  static kelfont_test::TempDir* dir_;
-  static qro_ni::DefaultFontInfoFileExtracter* extracter_;
-  static kelfont_tool::ToolFontManager* manager_;
-};
-
-kelfont_test::TempDir* ShapedRun::dir_ = nullptr;
-qro_ni::DefaultFontInfoFileExtracter* ShapedRun::extracter_ = nullptr;
-kelfont_tool::ToolFontManager* ShapedRun::manager_ = nullptr;
-
-TEST_F(ShapedRun, DataLinesMatchHarfBuzzAndThePerCharacterPath) {
+TEST(ShapedRun, DataLinesMatchHarfBuzzAndThePerCharacterPath) {
+  if ((manager_ = androidManager()) == nullptr) GTEST_SKIP() << kNoCorpus;
   for (const kelfont_test::Case& c : kelfont_test::cases("shaped_runs.tsv")) {
     const std::string& line = c.line;
     const int font = manager_->GetFontIndex(c[1]);
@@ -203,7 +181,8 @@ TEST_F(ShapedRun, DataLinesMatchHarfBuzzAndThePerCharacterPath) {
 
 // 10,000 marks on one base and a run of 1 MB are measured, none near a
 // hang. (Unpaired surrogates and a lone joiner: data lines.)
-TEST_F(ShapedRun, HostileRunsAreMeasured) {
+TEST(ShapedRun, HostileRunsAreMeasured) {
+  if ((manager_ = androidManager()) == nullptr) GTEST_SKIP() << kNoCorpus;
   const int font = manager_->GetFontIndex("Roboto");
   std::u16string marks = u"a" + std::u16string(10000, u'\u0301');
   std::u16string big;
@@ -224,7 +203,8 @@ TEST_F(ShapedRun, HostileRunsAreMeasured) {
 
 // Eight threads measure the locale words with cold caches, as one thread
 // did; then the entry point gives the same answers and refuses bad calls.
-TEST_F(ShapedRun, ThreadsAndTheEntryPointAnswerAsOne) {
+TEST(ShapedRun, ThreadsAndTheEntryPointAnswerAsOne) {
+  if ((manager_ = androidManager()) == nullptr) GTEST_SKIP() << kNoCorpus;
   const int font = manager_->GetFontIndex("Roboto");
   std::vector<std::u16string> words;
   for (const char* locale : {"ar_SA", "hi_IN", "th_TH", "my_MM", "ko_KR"}) {
@@ -233,22 +213,13 @@ TEST_F(ShapedRun, ThreadsAndTheEntryPointAnswerAsOne) {
   std::vector<RunMeasure> expected;
   for (const std::u16string& word : words) expected.push_back(measure(font, word));
   manager_->GetRunMeasurer().Clear();
-  std::vector<int> mismatches(8, 0);
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 8; ++t) {
-    threads.emplace_back([&, t] {
-      for (std::size_t i = 0; i < words.size(); ++i) {
-        const std::size_t k = (i * 7 + static_cast<std::size_t>(t) * 13) % words.size();
-        RunMeasure m;
-        manager_->MeasureRun(font, false, false, words[k].data(), words[k].size(), m);
-        mismatches[static_cast<std::size_t>(t)] += m.advances != expected[k].advances ||
-                                                   m.fonts != expected[k].fonts ||
-                                                   m.clusterStarts != expected[k].clusterStarts;
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(mismatches, std::vector<int>(8, 0));
+  auto same = [&](std::size_t k) {
+    RunMeasure m;
+    manager_->MeasureRun(font, false, false, words[k].data(), words[k].size(), m);
+    return m.advances == expected[k].advances && m.fonts == expected[k].fonts &&
+           m.clusterStarts == expected[k].clusterStarts;
+  };
+  EXPECT_EQ(kelfont_test::askedAtOnce(words.size(), 1, same, [] {}), 0);
 
   qro_common::FontManager* previous = qro_common::FontManager::instance;
   qro_common::FontManager::instance = manager_;
