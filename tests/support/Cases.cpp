@@ -133,6 +133,12 @@ std::string hex(unsigned long long value) {
   return text;
 }
 
+const char* orNull(const std::string& text) { return text == "NULL" ? nullptr : text.c_str(); }
+
+void expectAnswers(const std::string& name, const std::function<std::string(const Case&)>& answer) {
+  for (const Case& c : cases(name)) EXPECT_EQ(answer(c), c.fields.back()) << c.line;
+}
+
 void expectCalls(const Case& c, size_t calls, const Call& call) {
   std::istringstream in(c[calls]);
   std::ostringstream said;

@@ -32,6 +32,10 @@ std::string expand(const std::string& text);
 std::string runs(const std::string& text);
 // "0x" and the value in upper-case hex digits.
 std::string hex(unsigned long long value);
+// Null for the text "NULL".
+const char* orNull(const std::string& text);
+// Each case of tests/data/NAME against `answer`: its last field is what it answers.
+void expectAnswers(const std::string& name, const std::function<std::string(const Case&)>& answer);
 // A script of calls: each blank-separated call of field `calls` (expanded) goes to `call`, which
 // writes its answer; the answers, one blank after each, with runs() taken, are the case's last
 // field as written.
