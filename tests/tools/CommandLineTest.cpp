@@ -20,17 +20,22 @@ namespace {
 using kelfont_test::TempDir;
 using kelfont_test::writeFile;
 
-TEST(CommandLine, BadArgumentsAndMissingInputsGiveAClearMessageAndExitCode) {
+TEST(CommandLine, ArgumentsGiveTheirMessageAndExitCode) {
   TempDir dir;
   const std::string fonts = kelfont_test::testFontDir();
   const std::string lists = kelfont_test::writeTestLists(dir);
-  const std::string broken = dir.file("broken");
+  const std::string broken = dir.file("broken"), basic = dir.file("basic");
   mkdir(broken.c_str(), 0755);
   writeFile(broken + "/broken.ttf", "not a font");
+  mkdir(basic.c_str(), 0755);
+  writeFile(basic + "/basic.ttf", kelfont_test::readFile(kelfont_test::testFontPath("basic.ttf")));
   // Placeholders in tests/data/tool_arguments.tsv: the folders of this test.
   auto fill = [&](std::string text) {
-    const std::pair<std::string, std::string> places[] = {
-        {"$FONTS", fonts}, {"$LISTS", lists}, {"$BROKEN", broken}, {"$DIR", dir.path()}};
+    const std::pair<std::string, std::string> places[] = {{"$FONTS", fonts},
+                                                          {"$LISTS", lists},
+                                                          {"$BROKEN", broken},
+                                                          {"$BASIC", basic},
+                                                          {"$DIR", dir.path()}};
     for (const auto& [name, value] : places) {
       for (size_t at; (at = text.find(name)) != std::string::npos;)
         text.replace(at, name.size(), value);
@@ -42,28 +47,25 @@ TEST(CommandLine, BadArgumentsAndMissingInputsGiveAClearMessageAndExitCode) {
     for (size_t i = 2; i < c.fields.size(); ++i) args.push_back(fill(c[i]));
     std::string out, err;
     EXPECT_EQ(kelfont_test::runTool(args, &out, &err), c.num(0)) << c.line << err;
+    const std::string& said = c.num(0) == 0 ? out : err;
     const std::string message = fill(c[1]);
-    EXPECT_EQ(args.empty() ? err.substr(0, message.size()) : err, message) << c.line;
-    EXPECT_EQ(out, "");
+    if (message[0] == '~') {
+      EXPECT_NE(said.find(message.substr(1)), std::string::npos) << c.line << said;
+    } else {
+      EXPECT_EQ(said, message) << c.line;
+    }
+    EXPECT_EQ(c.num(0) == 0 ? err : out, "") << c.line;
   }
   struct stat st;
   EXPECT_NE(stat(dir.file("qrfont.zip").c_str(), &st), 0);
 }
 
-TEST(CommandLine, EveryCommandHasHelpAndTheProgramExitsWithTheCommandsStatus) {
-  std::string out;
-  ASSERT_EQ(kelfont_test::runTool({"--help"}, &out), 0);
-  for (const char* command : {"pack", "measure", "render", "fonts", "fallback"}) {
-    EXPECT_NE(out.find(std::string("\n  ") + command + " "), std::string::npos) << command;
-    std::string help;
-    EXPECT_EQ(kelfont_test::runTool({command, "--help"}, &help), 0);
-    const std::string usage = std::string("Usage: kelfont ") + command + " [options]";
-    EXPECT_EQ(help.compare(0, usage.size(), usage), 0) << help;
-  }
+// The program exits with the command's status.
+TEST(CommandLine, TheProgramExitsWithTheCommandsStatus) {
   TempDir dir;
-  const std::string program = KELFONT_TOOL_PROGRAM;
   const std::string err = dir.file("err");
-  const int status = std::system((program + " pack --fonts 2>" + err).c_str());
+  const int status =
+      std::system((KELFONT_TOOL_PROGRAM + std::string(" pack --fonts 2>") + err).c_str());
   ASSERT_TRUE(WIFEXITED(status));
   EXPECT_EQ(WEXITSTATUS(status), 2);
   EXPECT_EQ(kelfont_test::readFile(err), "kelfont pack: --fonts needs a DIR\n");

@@ -26,10 +26,10 @@ TEST(Measure, JsonGivesTheLibrarysAnswersPerCharacter) {
   // "A", "V", U+B098 (only in KelTest CJK, the chain's next font), U+E000.
   const std::vector<unsigned> text{'A', 'V', 0xB098, 0xE000};
   std::string out, err;
-  ASSERT_EQ(kelfont_test::runTool({"measure", "--json", "--storage", dir.file("tool"), "--package",
-                                   zip, "--fonts", fonts, "--font", "KelTest Basic",
-                                   "AV\xEB\x82\x98\xEE\x80\x80"},
-                                  &out, &err),
+  ASSERT_EQ(kelfont_test::runTool(
+                {"measure", "--json", "--storage", dir.file("tool"), "--package", zip, "--fonts",
+                 fonts, "--font", "KelTest Basic", "AV\xEB\x82\x98\xEE\x80\x80"},
+                &out, &err),
             0)
       << err;
 
@@ -38,9 +38,9 @@ TEST(Measure, JsonGivesTheLibrarysAnswersPerCharacter) {
   manager.Initialize();
   const int basic = manager.GetFontIndex("KelTest Basic");
   ASSERT_GE(basic, 0);
-  EXPECT_NE(out.find("\"font\": {\"index\": " + std::to_string(basic) +
-                     ", \"name\": \"KelTest Basic\"}"),
-            std::string::npos)
+  EXPECT_NE(
+      out.find("\"font\": {\"index\": " + std::to_string(basic) + ", \"name\": \"KelTest Basic\"}"),
+      std::string::npos)
       << out;
 
   const std::regex entry(
@@ -67,7 +67,8 @@ TEST(Measure, JsonGivesTheLibrarysAnswersPerCharacter) {
     EXPECT_EQ(c[4] == "true", substituted);
     const float ratio = std::strtof(c[5].str().c_str(), nullptr);
     EXPECT_EQ(ratio, manager.GetCharAdvanceRatio(basic, text[i], false, false));
-    const int kerning = i == 0 ? 0 : manager.GetKerningWidth(basic, false, false, text[i - 1], text[i]);
+    const int kerning =
+        i == 0 ? 0 : manager.GetKerningWidth(basic, false, false, text[i - 1], text[i]);
     EXPECT_EQ(std::stoi(c[8]), kerning);
     total += ratio + std::strtof(c[9].str().c_str(), nullptr);
   }
@@ -80,30 +81,14 @@ TEST(Measure, JsonGivesTheLibrarysAnswersPerCharacter) {
   EXPECT_NEAR(std::strtod(totals[1].str().c_str(), nullptr), total, 1e-6);
 }
 
-// A road that ends without any font (no lists, one font lacking the
-// character) says so instead of naming the requested font.
-TEST(Fallback, ARoadWithoutAFontSaysSo) {
-  TempDir dir;
-  const std::string fonts = dir.path();  // the storage below it is not entered
-  ASSERT_TRUE(kelfont_test::writeFile(dir.file("basic.ttf"),
-                                      kelfont_test::readFile(kelfont_test::testFontPath("basic.ttf"))));
-  std::string out, err;
-  ASSERT_EQ(kelfont_test::runTool({"fallback", "--storage", dir.file("tool"), "--fonts", fonts,
-                                   "--font", "KelTest Basic", "U+0E01"},
-                                  &out, &err),
-            0)
-      << err;
-  EXPECT_NE(out.find("\n  => shown by no font; advance 0.000000 em\n"), std::string::npos) << out;
-}
-
 TEST(Render, DrawsTheGlyphOutlineAtThePenOnTheBaseline) {
   TempDir dir;
   const std::string svg = dir.file("a.svg");
   std::string out, err;
-  ASSERT_EQ(kelfont_test::runTool({"render", "--storage", dir.file("s"), "--fonts",
-                                   kelfont_test::testFontDir(), "--font", "KelTest Basic", "-o",
-                                   svg, "A"},
-                                  &out, &err),
+  ASSERT_EQ(kelfont_test::runTool(
+                {"render", "--storage", dir.file("s"), "--fonts", kelfont_test::testFontDir(),
+                 "--font", "KelTest Basic", "-o", svg, "A"},
+                &out, &err),
             0)
       << err;
   const std::string wrote = "wrote " + svg + ": 1 glyphs, ";
