@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
-#include <map>
 #include <memory>
 
 #include "base/Environment.h"
@@ -41,61 +39,50 @@ std::string analyze(const std::string& file, int preferred) {
   return out;
 }
 
-const std::map<std::string, std::function<std::string(const Case&)>> kFunctions = {
-    {"lang", [](const Case& c) { return hex(LangCode::GetLangCode(orNull(c[1]))); }},
-    {"lang2", [](const Case& c) { return hex(LangCode::GetLangCode(orNull(c[1]), orNull(c[2]))); }},
-    {"tag",
-     [](const Case& c) {
-       return std::string(LangCode::GetLang(static_cast<unsigned short>(c.num(1))));
-     }},
-    {"country",
-     [](const Case& c) {
-       const char* country = LangCode::GetCountryName(orNull(c[1]));
-       return std::string(country ? country : "NULL");
-     }},
-    {"ui-lang",
-     [](const Case& c) {
-       qro_base::Environment& environment = qro_base::ensureEnvironment();
-       const qro_base::Locale saved = environment.GetUILocale();
-       environment.SetUILocale(qro_base::Locale(c[1].c_str(), c[2].c_str()));
-       unsigned code = qro_common::getUILangCode();
-       environment.SetUILocale(saved);
-       return hex(code);
-     }},
-    {"mac-lang",
-     [](const Case& c) { return hex(qro_common::FontUtils::GetWinLangFromMac(c.num(1))); }},
-    {"byte-size",
-     [](const Case& c) {
-       return std::to_string(qro_common::getByteSize(int(c.num(1)), int(c.num(2))));
-     }},
-    {"font-file", [](const Case& c) { return std::to_string(qro_common::isFontFile(c[1])); }},
-    {"u2-utf8",
-     [](const Case& c) {
-       char out[64];
-       EXPECT_EQ(
-           qro_common::FontFileAnalyzer::ConvertU2ToUtf8(out, kelfont_test::units(c[1]).c_str()),
-           out);
-       return std::string(out);
-     }},
-    {"u2-utf8-bounded",  // stops before a unit that does not fit, never writes past the size
-     [](const Case& c) {
-       char out[16];
-       std::memset(out, 'X', sizeof out);
-       size_t size = static_cast<size_t>(c.num(2));
-       size_t written = qro_common::FontFileAnalyzer::ConvertU2ToUtf8(
-           out, size, kelfont_test::units(c[1]).c_str());
-       EXPECT_EQ(out[size], 'X') << "wrote past " << size;
-       return std::to_string(written) + ":" + (size ? std::string(out) : "");
-     }},
-    {"analyze", [](const Case& c) { return analyze(c[1], 0); }},
-    {"analyze-preferring", [](const Case& c) { return analyze(c[1], static_cast<int>(c.num(2))); }},
-};
-
-TEST(CommonFunctions, Table) {
-  kelfont_test::expectAnswers("common_functions.tsv", [](const Case& c) {
-    auto function = kFunctions.find(c[0]);
-    return function == kFunctions.end() ? "unknown function" : function->second(c);
-  });
+// The answer of the function c[0] to the arguments of the line.
+std::string call(const Case& c) {
+  const std::string& f = c[0];
+  if (f == "lang") return hex(LangCode::GetLangCode(orNull(c[1])));
+  if (f == "lang2") return hex(LangCode::GetLangCode(orNull(c[1]), orNull(c[2])));
+  if (f == "tag") return LangCode::GetLang(static_cast<unsigned short>(c.num(1)));
+  if (f == "country") {
+    const char* country = LangCode::GetCountryName(orNull(c[1]));
+    return country ? country : "NULL";
+  }
+  if (f == "ui-lang") {
+    qro_base::Environment& environment = qro_base::ensureEnvironment();
+    const qro_base::Locale saved = environment.GetUILocale();
+    environment.SetUILocale(qro_base::Locale(c[1].c_str(), c[2].c_str()));
+    const unsigned code = qro_common::getUILangCode();
+    environment.SetUILocale(saved);
+    return hex(code);
+  }
+  if (f == "mac-lang") return hex(qro_common::FontUtils::GetWinLangFromMac(c.num(1)));
+  if (f == "byte-size")
+    return std::to_string(qro_common::getByteSize(int(c.num(1)), int(c.num(2))));
+  if (f == "font-file") return std::to_string(qro_common::isFontFile(c[1]));
+  if (f == "u2-utf8") {
+    char out[64];
+    EXPECT_EQ(qro_common::FontFileAnalyzer::ConvertU2ToUtf8(out, kelfont_test::units(c[1]).c_str()),
+              out);
+    return out;
+  }
+  if (f ==
+      "u2-utf8-bounded") {  // stops before a unit that does not fit, never writes past the size
+    char out[16];
+    std::memset(out, 'X', sizeof out);
+    const size_t size = static_cast<size_t>(c.num(2));
+    const size_t written =
+        qro_common::FontFileAnalyzer::ConvertU2ToUtf8(out, size, kelfont_test::units(c[1]).c_str());
+    EXPECT_EQ(out[size], 'X') << "wrote past " << size;
+    return std::to_string(written) + ":" + (size ? std::string(out) : "");
+  }
+  if (f == "analyze") return analyze(c[1], 0);
+  if (f == "analyze-preferring") return analyze(c[1], static_cast<int>(c.num(2)));
+  ADD_FAILURE() << "unknown function " << f;
+  return "";
 }
+
+TEST(CommonFunctions, Table) { kelfont_test::expectAnswers("common_functions.tsv", call); }
 
 }  // namespace
