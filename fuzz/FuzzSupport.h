@@ -21,15 +21,16 @@
 
 namespace kelfont_fuzz {
 
-// A folder of this process, ending in "/", created on first use and
-// removed at exit.
+// A folder of this process, ending in "/", created on first use (with
+// FInfo/Fdata, package and storage/FInfo/Fdata) and removed at exit.
 inline const std::string& scratch() {
   // Never destroyed: the exit handler below still needs it.
   static const std::string* path = [] {
     const char* root = access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp";
     auto* dir =
         new std::string(std::string(root) + "/kelfont-fuzz-" + std::to_string(getpid()) + "/");
-    qro_base::confirmFilePathExists((*dir + "FInfo/Fdata").c_str());
+    for (const char* sub : {"FInfo/Fdata", "package", "storage/FInfo/Fdata"})
+      qro_base::confirmFilePathExists((*dir + sub).c_str());
     std::atexit([] {
       std::error_code ignored;
       std::filesystem::remove_all(scratch(), ignored);

@@ -38,15 +38,15 @@ class OutlineManager : public qro_common::FontManager {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  qro_base::setLogHook([](int, const char*, const char*, void*) {}, nullptr);
   static qro_common::FontFileAnalyzer analyzer;
   // A manager (and face pool) per input: what one input allocates, it
   // frees, so that libFuzzer's leak check has nothing to look into.
   OutlineManager manager;
   static int counter = 0;
   const int number = ++counter;
-  std::string path = kelfont_fuzz::scratch() + "font" + std::to_string(number) + ".ttf";
-  if (!kelfont_fuzz::writeWhole(path, data, size)) return 0;
+  const std::string name = "font" + std::to_string(number) + ".ttf";
+  if (!kelfont_fuzz::takeInput(name, data, size)) return 0;
+  const std::string path = kelfont_fuzz::scratch() + name;
 
   qro_common::DefaultFontInfo defaults;
   for (int face = 0; face < 2; ++face) {

@@ -31,9 +31,8 @@ std::string dataBytes(const CharMetricsInfo* metrics, const KerningInfo* kerning
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (!kelfont_fuzz::takeInput("FInfo/Fdata/7", data, size)) return 0;
-  const std::string& base = kelfont_fuzz::scratch();
 
-  qro_common::FontInfoSerializer serializer(base);
+  qro_common::FontInfoSerializer serializer(kelfont_fuzz::scratch());
   qro_common::FontInfo info;
   info.SetInfoIndex(7);
   if (!serializer.ReadData(info)) return 0;

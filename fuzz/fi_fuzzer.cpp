@@ -16,7 +16,6 @@ using qro_common::DefaultFontInfo;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (!kelfont_fuzz::takeInput("FInfo/fi", data, size)) return 0;
-  const std::string& base = kelfont_fuzz::scratch();
 
   qro_common::ExtraDefaultFonts extra;
   if (extra.Read(reinterpret_cast<const char*>(data), size)) {
@@ -30,7 +29,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     (void)found;
   }
 
-  qro_common::FontInfoSerializer serializer(base);
+  qro_common::FontInfoSerializer serializer(kelfont_fuzz::scratch());
   DefaultFontInfo defaults;
   if (!serializer.ReadDefaultFontInfo(defaults)) return 0;
   int sum = 0;

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "base/FileUtils.h"
 #include "base/ZipEntry.h"
 #include "base/ZipEntryInputStream.h"
 #include "base/ZipFile.h"
@@ -36,12 +35,9 @@ void readEntries(const std::string& path, bool useZZip) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  qro_base::setLogHook([](int, const char*, const char*, void*) {}, nullptr);
+  if (!kelfont_fuzz::takeInput("package/qrfont.zip", data, size)) return 0;
   const std::string package = kelfont_fuzz::scratch() + "package/";
   const std::string storage = kelfont_fuzz::scratch() + "storage/";
-  static const bool folders = qro_base::confirmFilePathExists(package.c_str()) &&
-                              qro_base::confirmFilePathExists((storage + "FInfo/Fdata").c_str());
-  if (!folders || !kelfont_fuzz::writeWhole(package + "qrfont.zip", data, size)) return 0;
 
   readEntries(package + "qrfont.zip", true);
   readEntries(package + "qrfont.zip", false);
