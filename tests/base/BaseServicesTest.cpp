@@ -1,22 +1,16 @@
 // Small services of the base layer: logging, the environment's ownership
-// rule, file helpers. Math helpers and locales: tests/data/base_functions.tsv.
+// rule. Math helpers, locales, file helpers: tests/data/base_functions.tsv.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <string>
 
 #include "base/Environment.h"
-#include "base/FileUtils.h"
 #include "base/Log.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/TempDir.h"
 
 namespace {
 
-using kelfont_test::TempDir;
-using qro_base::confirmFilePathExists;
 using qro_base::Environment;
-using qro_base::isFileExists;
 
 // Profile lines carry priority 6 and the tag, long lines are not cut, and
 // without a hook lines go to standard error.
@@ -68,43 +62,6 @@ TEST(Environment, SettersDestroyTheObjectTheyReplace) {
   env.SetResourceLoader(new CountedLoader(destroyed));
   env.SetResourceLoader(nullptr);
   EXPECT_EQ(destroyed, 3);
-}
-
-bool isDirectory(const std::string& path) {
-  struct stat info;
-  return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
-
-// Every component is created (mode 0775 under a zero umask), the last one
-// too, trailing separator or not, and backslashes separate as well; what
-// exists is accepted, even a plain file, but nothing below a file.
-TEST(FileUtils, ConfirmFilePathExistsCreatesEveryComponent) {
-  TempDir dir;
-  mode_t saved = umask(0);
-  bool created = confirmFilePathExists((dir.path() + "/a/b/c/").c_str());
-  umask(saved);
-  ASSERT_TRUE(created);
-  for (const char* part : {"a", "a/b", "a/b/c"}) {
-    struct stat info;
-    ASSERT_EQ(stat(dir.file(part).c_str(), &info), 0) << part;
-    EXPECT_TRUE(S_ISDIR(info.st_mode)) << part;
-    EXPECT_EQ(info.st_mode & 07777, 0775u) << part;
-  }
-  EXPECT_TRUE(confirmFilePathExists(dir.file("a/b/d").c_str()));
-  EXPECT_TRUE(isDirectory(dir.file("a/b/d")));
-  EXPECT_TRUE(confirmFilePathExists(dir.file("p\\q").c_str()));
-  EXPECT_TRUE(isDirectory(dir.file("p\\q")));
-  ASSERT_TRUE(kelfont_test::writeFile(dir.file("f"), "x"));
-  EXPECT_TRUE(confirmFilePathExists("/"));
-  EXPECT_TRUE(confirmFilePathExists(dir.file("f").c_str()));
-  EXPECT_FALSE(confirmFilePathExists(dir.file("f/sub/deeper").c_str()));
-  EXPECT_FALSE(confirmFilePathExists(""));
-  EXPECT_FALSE(confirmFilePathExists(nullptr));
-  // isFileExists sees files and folders.
-  EXPECT_TRUE(isFileExists(dir.file("f").c_str()));
-  EXPECT_TRUE(isFileExists(dir.path().c_str()));
-  EXPECT_FALSE(isFileExists(dir.file("missing").c_str()));
-  EXPECT_FALSE(isFileExists(nullptr));
 }
 
 }  // namespace

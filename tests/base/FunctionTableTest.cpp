@@ -1,9 +1,12 @@
 // Pure functions of the base layer against tables of cases
 // (tests/data/base_functions.tsv): function, arguments, answer.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cmath>
+#include <filesystem>
 #include <memory>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -12,11 +15,13 @@
 #include "base/CharacterType.h"
 #include "base/DefaultCharsetConverterManager.h"
 #include "base/Environment.h"
+#include "base/FileUtils.h"
 #include "base/Locale.h"
 #include "base/MathUtil.h"
 #include "base/TextConversion.h"
 #include "base/Utf8CharsetConverter.h"
 #include "tests/support/Cases.h"
+#include "tests/support/TempDir.h"
 
 namespace {
 
@@ -108,6 +113,29 @@ std::string layout(const qro_base::Environment& env) {
          std::to_string(info.rightToLeft);
 }
 
+// A path in a fresh folder holding the file f (or as it is, when absolute or empty): the
+// answer, then every folder below that folder with its mode (made under a zero umask).
+std::string files(const Case& c) {
+  kelfont_test::TempDir dir;
+  kelfont_test::writeFile(dir.file("f"), "x");
+  const std::string path = c[1].empty() || c[1][0] == '/' || c[1] == "NULL" ? c[1] : dir.file(c[1]);
+  const mode_t saved = umask(0);
+  const bool answer = c[0] == "exists" ? qro_base::isFileExists(orNull(path))
+                                       : qro_base::confirmFilePathExists(orNull(path));
+  umask(saved);
+  std::set<std::string> folders;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(dir.path())) {
+    struct stat info;
+    if (!entry.is_directory() || stat(entry.path().c_str(), &info) != 0) continue;
+    char mode[8];
+    std::snprintf(mode, sizeof mode, ":%o", info.st_mode & 07777);
+    folders.insert(entry.path().string().substr(dir.path().size() + 1) + mode);
+  }
+  std::string said = std::to_string(answer);
+  for (const std::string& folder : folders) said += " " + folder;
+  return said;
+}
+
 // The answer of the function c[0] to the arguments of the line.
 std::string call(const Case& c) {
   const std::string& f = c[0];
@@ -128,6 +156,7 @@ std::string call(const Case& c) {
   if (f == "lower") return hex(qro_base::CharacterType::ToLowerCase(unit));
   if (f == "flags") return hex(qro_base::CharacterType::charTypes[c.num(1)]);
   if (f == "hashmap") return hashMap(c);
+  if (f == "confirm-path" || f == "exists") return files(c);
   if (f == "utf8-convert") return convertUtf8(c);
   if (f == "lower-text" || f == "upper-text") {  // into a stale text, and in place
     qro_base::u16string out = u16("garbage"), same = text;

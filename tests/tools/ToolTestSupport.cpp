@@ -1,8 +1,8 @@
 #include "tests/tools/ToolTestSupport.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
+#include <filesystem>
 #include <sstream>
 
 #include "tests/support/TestFonts.h"
@@ -11,15 +11,8 @@
 namespace kelfont_test {
 
 std::string writeTestLists(const TempDir& dir) {
-  const std::string lists = dir.file("lists");
-  mkdir(lists.c_str(), 0755);
-  writeFile(lists + "/fc", "KelTest Basic\nKelTest CJK\nKelTest Symbol\n\nArial\nKelTest Basic\n\n");
-  writeFile(lists + "/df",
-            "KelTest Basic\n\nKelTest Basic\n\nKelTest CJK\nKelTest Basic\n\nKelTest Basic\n\n"
-            "KelTest Basic\n");
-  writeFile(lists + "/sf", "0\nKelTest Basic\n56\nKelTest CJK\n");
-  writeFile(lists + "/sf_ko-KR", "56\nKelTest CJK\n");
-  return lists;
+  std::filesystem::copy(std::string(KELFONT_TEST_SOURCE_DIR) + "/data/lists", dir.file("lists"));
+  return dir.file("lists");
 }
 
 std::string packTestFonts(const TempDir& dir) {

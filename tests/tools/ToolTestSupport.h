@@ -8,8 +8,8 @@
 
 namespace kelfont_test {
 
-// Writes fc, df, sf and sf_ko-KR naming the generated test fonts into
-// dir/lists and returns that folder.
+// Copies the lists of tests/data/lists (fc, df, sf and sf_ko-KR naming the
+// generated test fonts) into dir/lists and returns that folder.
 std::string writeTestLists(const TempDir& dir);
 
 // Packs the generated test fonts and the test lists into dir/qrfont.zip;
