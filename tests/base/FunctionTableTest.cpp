@@ -43,9 +43,7 @@ std::string str(double v, int precision = 15) {
 std::string locale(const qro_base::Locale& l) { return l.GetLanguage() + "|" + l.GetCountry(); }
 
 std::string floatText(const Case& c) {
-  double value = c[1] == "nan"    ? NAN
-                 : c[1] == "-inf" ? -INFINITY
-                                  : std::strtod(c[1].c_str(), nullptr);
+  const double value = std::strtod(c[1].c_str(), nullptr);  // also nan and -inf
   std::vector<char> narrow(330 + c.num(2));
   std::vector<unsigned short> wide(330 + c.num(2));
   std::string text = qro_base::FloatToArray(value, c.num(2), narrow.data(), c[3] == "fixed");

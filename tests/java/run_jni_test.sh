@@ -4,8 +4,9 @@
 set -u
 java=$1 classpath=$2 libdir=$3
 err=$(mktemp)
-trap 'rm -f "$err"' EXIT
-"$java" -Djava.library.path="$libdir" -cp "$classpath" KelFontJniTest 2>"$err"
+work=$(mktemp -d "${TMPDIR:-/tmp}/kelfont-jni-XXXXXX")
+trap 'rm -rf "$err" "$work"' EXIT
+"$java" -Djava.library.path="$libdir" -cp "$classpath" KelFontJniTest "$work" 2>"$err"
 status=$?
 expected=(
   "E/QRO-NATIVE-PROFILE: InitFontManager"
