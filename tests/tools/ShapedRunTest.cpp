@@ -157,7 +157,7 @@ TEST(ShapedRun, DataLinesMatchHarfBuzzAndThePerCharacterPath) {
       EXPECT_GE(runs.size(), 12u) << line;
     } else {
       std::u32string codes;
-      std::istringstream parts(c[4]);
+      std::istringstream parts(kelfont_test::expand(c[4]));
       for (std::string code; parts >> code;) codes += char32_t(std::stoul(code, nullptr, 16));
       runs.push_back(kelfont_bench::utf16(codes));
     }
@@ -179,26 +179,20 @@ TEST(ShapedRun, DataLinesMatchHarfBuzzAndThePerCharacterPath) {
   }
 }
 
-// 10,000 marks on one base and a run of 1 MB are measured, none near a
-// hang. (Unpaired surrogates and a lone joiner: data lines.)
-TEST(ShapedRun, HostileRunsAreMeasured) {
+// A run of 1 MB is measured, nowhere near a hang. (10,000 marks on one base, unpaired
+// surrogates and a lone joiner: data lines.)
+TEST(ShapedRun, AMegabyteRunIsMeasured) {
   if ((manager_ = androidManager()) == nullptr) GTEST_SKIP() << kNoCorpus;
-  const int font = manager_->GetFontIndex("Roboto");
-  std::u16string marks = u"a" + std::u16string(10000, u'\u0301');
   std::u16string big;
   while (big.size() < (1u << 20))
     big += u"Hello \u0645\u0631\u062D\u0628\u0627 \U0001F468\u200D\U0001F469 ";
-  for (const std::u16string* run : {&marks, &big}) {
-    const auto start = std::chrono::steady_clock::now();
-    const RunMeasure m = measure(font, *run);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
-    double sum = 0;
-    for (float a : m.advances) sum += a;
-    EXPECT_NEAR(m.totalEm, sum, 1e-3 * sum);
-    EXPECT_GT(m.totalEm, 0.0f);
-  }
-  const RunMeasure m = measure(font, marks);
-  EXPECT_EQ(std::count(m.clusterStarts.begin(), m.clusterStarts.end(), 1), 1);
+  const auto start = std::chrono::steady_clock::now();
+  const RunMeasure m = measure(manager_->GetFontIndex("Roboto"), big);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+  double sum = 0;
+  for (float a : m.advances) sum += a;
+  EXPECT_NEAR(m.totalEm, sum, 1e-3 * sum);
+  EXPECT_GT(m.totalEm, 0.0f);
 }
 
 // Eight threads measure the locale words with cold caches, as one thread
