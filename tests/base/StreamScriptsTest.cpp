@@ -253,7 +253,7 @@ TEST(InputStreams, Scripts) {
         case 'P': in.reset(new qro_base::PartialInputStream(*memory, n)); said << '.'; break;
         case 'd': said << destroyed; break;
         case 'D': in.reset(); said << destroyed; break;
-        case 'N': in.reset(new qro_base::ZipEntryInputStream(*zip, op.c_str() + 1)); said << '.'; break;
+        case 'N': in.reset(new qro_base::ZipEntryInputStream(*zip, &op[1])); said << '.'; break;
         case 'l': said << (listing(*zip) == manifest); break;
         case 'L': said << escape(listing(*zip)); break;
         case '#': said << zip->GetEntries().size(); break;
@@ -325,12 +325,14 @@ TEST(OutputStreams, Scripts) {
         case 'C': said << (file ? file->IsOpen() : sink.closes); break;
         case 'o': said << out->IsOpen(); break;
         case '!': (memory ? memory : &sink)->fail ^= true; said << '.'; break;
-        case '=': said << token(memory ? memory->data : kind == "buffered" ? sink.data : readFile(path)); break;
+        case '=':
+          said << token(memory ? memory->data : kind == "buffered" ? sink.data : readFile(path));
+          break;
         case '|': for (const std::string& block : sink.blocks) said << token(block) << '|'; break;
         case 'D': out.reset(); file.reset(); said << '.'; break;
         case '[': limit.reset(new FileSizeLimit(4096)); said << limit->ok(); break;
         case ']': limit.reset(); said << '.'; break;
-        case '*': out->Write(std::string(value, 'x').data(), static_cast<unsigned>(value)); said << '.'; break;
+        case '*': out->Write(std::string(value, 'x').data(), unsigned(value)); said << '.'; break;
         case 'K': said << atomic->Commit(); break;
         case '#': said << std::distance(std::filesystem::directory_iterator(dir.path()), {}); break;
         case 'g':
@@ -351,10 +353,10 @@ TEST(OutputStreams, Scripts) {
         case 'Z': said << (runPython(kZipReport, {path}, &report) ? escape(report) : "fail"); break;
         case 'T': said << escape(stamped(readFile(path), {stampBefore, dosStampNow()})); break;
         case '>':
-          if (text.rfind("u8:", 0) == 0) said << qro_base::writeUInt8(*out, static_cast<unsigned char>(value));
-          if (text.rfind("u16:", 0) == 0) said << qro_base::writeUInt16(*out, static_cast<unsigned short>(value));
-          if (text.rfind("i16:", 0) == 0) said << qro_base::writeInt16(*out, static_cast<short>(value));
-          if (text.rfind("i32:", 0) == 0) said << qro_base::WriteInt32(*out, static_cast<int>(value));
+          if (text.rfind("u8:", 0) == 0) said << qro_base::writeUInt8(*out, uint8_t(value));
+          if (text.rfind("u16:", 0) == 0) said << qro_base::writeUInt16(*out, uint16_t(value));
+          if (text.rfind("i16:", 0) == 0) said << qro_base::writeInt16(*out, int16_t(value));
+          if (text.rfind("i32:", 0) == 0) said << qro_base::WriteInt32(*out, int(value));
           break;
         default: ADD_FAILURE() << "unknown call " << op;
       }

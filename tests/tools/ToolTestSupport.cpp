@@ -18,9 +18,9 @@ std::string writeTestLists(const TempDir& dir) {
 std::string packTestFonts(const TempDir& dir) {
   const std::string zip = dir.file("qrfont.zip");
   std::string err;
-  const int status = runTool({"pack", "--quiet", "--fonts", testFontDir(), "--lists",
-                              writeTestLists(dir), "-o", zip},
-                             nullptr, &err);
+  const int status = runTool(
+      {"pack", "--quiet", "--fonts", testFontDir(), "--lists", writeTestLists(dir), "-o", zip},
+      nullptr, &err);
   EXPECT_EQ(status, 0) << err;
   return status == 0 ? zip : std::string();
 }
