@@ -48,11 +48,8 @@ TEST(Measure, JsonGivesTheLibrarysAnswersPerCharacter) {
       "\"shownCode\": (\\d+), \"substituted\": (true|false), \"ratio\": ([^,]+), "
       "\"units\": (-?\\d+), \"unitsPerEm\": (\\d+), \"kerning\": (-?\\d+), "
       "\"kerningRatio\": ([^}]+)\\}");
-  std::vector<std::smatch> chars;
-  for (auto it = std::sregex_iterator(out.begin(), out.end(), entry); it != std::sregex_iterator();
-       ++it) {
-    chars.push_back(*it);
-  }
+  const std::vector<std::smatch> chars(std::sregex_iterator(out.begin(), out.end(), entry),
+                                       std::sregex_iterator());
   ASSERT_EQ(chars.size(), text.size()) << out;
   double total = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
