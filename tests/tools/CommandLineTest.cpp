@@ -24,18 +24,15 @@ TEST(CommandLine, ArgumentsGiveTheirMessageAndExitCode) {
   TempDir dir;
   const std::string fonts = kelfont_test::testFontDir();
   const std::string lists = kelfont_test::writeTestLists(dir);
-  const std::string broken = dir.file("broken"), basic = dir.file("basic");
-  mkdir(broken.c_str(), 0755);
-  writeFile(broken + "/broken.ttf", "not a font");
-  mkdir(basic.c_str(), 0755);
-  writeFile(basic + "/basic.ttf", kelfont_test::readFile(kelfont_test::testFontPath("basic.ttf")));
-  // Placeholders in tests/data/tool_arguments.tsv: the folders of this test.
+  for (const char* folder : {"broken", "basic"}) mkdir(dir.file(folder).c_str(), 0755);
+  writeFile(dir.file("broken/broken.ttf"), "not a font");
+  writeFile(dir.file("basic/basic.ttf"),
+            kelfont_test::readFile(kelfont_test::testFontPath("basic.ttf")));
+  // Placeholders in tests/data/tool_arguments.tsv: the folders of this test, which holds
+  // broken/ and basic/.
   auto fill = [&](std::string text) {
-    const std::pair<std::string, std::string> places[] = {{"$FONTS", fonts},
-                                                          {"$LISTS", lists},
-                                                          {"$BROKEN", broken},
-                                                          {"$BASIC", basic},
-                                                          {"$DIR", dir.path()}};
+    const std::pair<std::string, std::string> places[] = {
+        {"$FONTS", fonts}, {"$LISTS", lists}, {"$DIR", dir.path()}};
     for (const auto& [name, value] : places) {
       for (size_t at; (at = text.find(name)) != std::string::npos;)
         text.replace(at, name.size(), value);
