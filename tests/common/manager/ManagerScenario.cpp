@@ -10,6 +10,7 @@
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontMetrics.h"
 #include "common/font_info/KerningInfo.h"
+#include "common/manager/Path.h"
 #include "common/registry/FontTable.h"
 #include "tests/common/font_info/TableBuilders.h"
 #include "tests/support/TestFonts.h"
@@ -138,14 +139,30 @@ unsigned codeOf(const std::string& field) {
                                           field.rfind("U+", 0) == 0 ? 16 : 0));
 }
 
-std::string spaced(std::string text) {
-  std::replace(text.begin(), text.end(), ' ', '_');
-  return text;
-}
-
 std::string number(double value) {
   char text[32];
   std::snprintf(text, sizeof text, "%.6g", value);
+  return text;
+}
+
+// A path's commands as written: the command's letter, then its points.
+struct RecordingPath : qro_graphics::Path {
+  std::string out;
+  void add(char op, std::initializer_list<float> points) {
+    out += op;
+    for (size_t i = 0; i < points.size(); ++i) out += (i ? "," : "") + number(points.begin()[i]);
+  }
+  void reset() override { out += 'R'; }
+  void moveTo(float x, float y) override { add('M', {x, y}); }
+  void lineTo(float x, float y) override { add('L', {x, y}); }
+  void quadTo(float a, float b, float x, float y) override { add('Q', {a, b, x, y}); }
+  void cubicTo(float a, float b, float c, float d, float x, float y) override {
+    add('C', {a, b, c, d, x, y});
+  }
+};
+
+std::string spaced(std::string text) {
+  std::replace(text.begin(), text.end(), ' ', '_');
   return text;
 }
 
@@ -192,12 +209,14 @@ std::string ask(qro_common::FontManager& m, const std::string& token) {
     return faceOf(a[3].empty() ? m.ResolveSystemFontInfo(font, bold, italic)
                                : m.ResolveSystemFontInfo(font, std::stoi(a[3]), bold, italic));
   }
-  if (op == "O") {
+  if (op == "O" || op == "G") {  // drawn from the pen at (100.7, 50.2)
     RecordingPath path;
-    float x = 0, y = 0;
-    const int status =
-        m.OutlineToPath(m.ResolveSystemFontInfo(font, bold, italic), codeOf(a[2]), x, y, &path);
-    return std::to_string(status) + "/" + std::to_string(path.out.size()) + "/" + number(x);
+    float x = 100.7f, y = 50.2f;
+    const int status = op == "O" ? m.OutlineToPath(m.ResolveSystemFontInfo(font, bold, italic),
+                                                   codeOf(a[2]), x, y, &path)
+                                 : m.GlyphOutlineToPath(m.GetFontInfo(font, bold, italic),
+                                                        codeOf(a[2]), x, y, &path);
+    return std::to_string(status) + ":" + path.out + ":" + number(x) + "," + number(y);
   }
   if (op == "u") return std::to_string(m.ResolveFontMetrics(font)->GetUnitsPerEm());
   if (op == "b") return std::to_string(m.IsFontBold(font));
