@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 
 namespace kelfont_test {
 
@@ -88,6 +90,25 @@ std::string escape(const std::string& bytes) {
     out += c >= 0x20 && c < 0x7F && c != '\\' ? std::string(1, static_cast<char>(c)) : hex;
   }
   return out;
+}
+
+}  // namespace kelfont_test
+
+namespace kelfont_test {
+
+std::vector<std::string> callFields(const std::string& token, size_t count) {
+  std::vector<std::string> fields;
+  std::istringstream parts(token);
+  for (std::string part; std::getline(parts, part, ',');) fields.push_back(part);
+  if (fields.size() < count) fields.resize(count);
+  for (std::string& field : fields) std::replace(field.begin(), field.end(), '_', ' ');
+  return fields;
+}
+
+unsigned codeOf(const std::string& field) {
+  if (field.size() == 1) return static_cast<unsigned char>(field[0]);
+  const bool hex = field.rfind("U+", 0) == 0;
+  return static_cast<unsigned>(std::stoul(field.substr(hex ? 2 : 0), nullptr, hex ? 16 : 0));
 }
 
 }  // namespace kelfont_test

@@ -26,3 +26,13 @@ qro_base::u16string units(const std::string& text);
 std::string escape(const std::string& bytes);
 
 }  // namespace kelfont_test
+
+namespace kelfont_test {
+
+// The fields of a script call "OP,FIELD,...", split at commas ("_" in them
+// stands for a space), at least `count` of them.
+std::vector<std::string> callFields(const std::string& token, size_t count = 6);
+// A character field: one character as it is, "U+" and hex digits, or a number.
+unsigned codeOf(const std::string& field);
+
+}  // namespace kelfont_test

@@ -193,7 +193,7 @@ struct Script {
 };
 
 std::string Script::call(const std::string& token) {
-  const std::vector<std::string> a = fieldsOf(token);
+  const std::vector<std::string> a = callFields(token);
   const std::string& op = a[0];
   if (op == "S") {  // (re)start, with a file size limit or in an interface language
     rig = ManagerRig();
@@ -247,7 +247,7 @@ std::string Script::call(const std::string& token) {
     std::istringstream lines(output);
     std::string style;
     for (unsigned code = 0, advance = 0; lines >> style >> code >> advance;) {
-      advances[fieldsOf(style)[0]][code] = static_cast<int>(advance);
+      advances[callFields(style)[0]][code] = static_cast<int>(advance);
     }
     const qro_common::FontTable& table = *rig->GetFontTable();
     qro_common::FontInfoSerializer serializer(storage);

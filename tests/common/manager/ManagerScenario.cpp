@@ -13,6 +13,7 @@
 #include "common/manager/Path.h"
 #include "common/registry/FontTable.h"
 #include "tests/common/font_info/TableBuilders.h"
+#include "tests/support/Cases.h"
 #include "tests/support/TestFonts.h"
 #include "tests/support/TestPackage.h"
 
@@ -105,15 +106,6 @@ ManagerRig start(const std::string& storage, const std::vector<std::string>& dir
   return rig;
 }
 
-std::vector<std::string> fieldsOf(const std::string& token) {
-  std::vector<std::string> a;
-  std::istringstream parts(token);
-  for (std::string part; std::getline(parts, part, ',');) a.push_back(part);
-  a.resize(6);
-  for (std::string& field : a) std::replace(field.begin(), field.end(), '_', ' ');
-  return a;
-}
-
 namespace {
 
 // A font by index or by name; "$LONG" is longname.ttf's family name as the
@@ -131,12 +123,6 @@ int fontOf(const qro_common::FontManager& manager, const std::string& field) {
     }
   }
   return manager.GetFontIndex(name);
-}
-
-unsigned codeOf(const std::string& field) {
-  if (field.size() == 1) return static_cast<unsigned char>(field[0]);
-  return static_cast<unsigned>(std::stoul(field.substr(field.rfind("U+", 0) == 0 ? 2 : 0), nullptr,
-                                          field.rfind("U+", 0) == 0 ? 16 : 0));
 }
 
 std::string number(double value) {
@@ -176,7 +162,7 @@ std::string faceOf(const qro_common::FontInfo* info) {
 }  // namespace
 
 std::string ask(qro_common::FontManager& m, const std::string& token) {
-  const std::vector<std::string> a = fieldsOf(token);
+  const std::vector<std::string> a = callFields(token);
   const std::string& op = a[0];
   const int font = fontOf(m, a[1]);
   const std::string& style = op == "s" ? a[2] : a[3];

@@ -53,7 +53,5 @@ ManagerRig start(const std::string& storage, const std::vector<std::string>& dir
 // One query of tests/data/manager_scripts.tsv (its header lists them) and
 // the answer; safe to call from several threads at once.
 std::string ask(qro_common::FontManager& manager, const std::string& token);
-// The fields of a call, split at commas ("_" in names stands for a space).
-std::vector<std::string> fieldsOf(const std::string& token);
 
 }  // namespace kelfont_test
