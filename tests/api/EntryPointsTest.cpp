@@ -13,6 +13,7 @@
 #include "api/KelFontWidth.h"
 #include "api/kelfont.h"
 #include "base/Environment.h"
+#include "common/font_info/FontInfo.h"
 #include "native/DefaultFontManager.h"
 #include "tests/support/Cases.h"
 #include "tests/support/LogCapture.h"
@@ -80,6 +81,16 @@ std::string Door::call(const std::string& token) {
   if (op == "Ddirs") return directories(own.get());
   if (op == "Dstorage") return own->GetStoragePath().empty() ? "-" : own->GetStoragePath();
   if (op == "env?") return std::to_string(qro_base::Global::pInstance != nullptr);
+  if (op == "Dspacing") return std::to_string(own->IsAdjustSpacingFont(own->GetFontIndex(a[1])));
+  if (op == "Dcjk") return std::to_string(own->IsCJKExceptFont(own->GetFontIndex(a[1])));
+  if (op == "Dbands") {  // every line of tests/data/spacing_bands.tsv (the count)
+    const std::vector<kelfont_test::Case> bands = kelfont_test::cases("spacing_bands.tsv");
+    for (const kelfont_test::Case& c : bands) {
+      if (own->AdjustAdvanceRatio(own->GetFontIndex(c[0]), float(c.num(1))) != float(c.num(2)))
+        return c.line;
+    }
+    return std::to_string(bands.size());
+  }
   if (op == "shared") SetSharedFontPath(a[1].c_str());
   if (op == "user") SetUserFontPath(a[1].c_str());
   if (op == "uninit") UnInitFontManager();
@@ -96,6 +107,18 @@ std::string Door::call(const std::string& token) {
   }
   if (op == "D0") own.reset(new qro_ni::DefaultFontManager(nullptr));
   if (op == "Du") own->SetUserFontDirectoryPath(new std::string(a[1]));
+  if (op == "Dinit") own->Initialize();
+  if (op == "Dname") {  // a face named in English and Korean
+    auto* info = new qro_common::FontInfo();
+    info->SetFontName(new std::string(a[1]));
+    info->AddLocalizedName(0x0409, a[1]);
+    info->AddLocalizedName(0x0412, a[2]);
+    own->Register(info);
+  }
+  if (op == "Dsets") {
+    own->InitializeAdvanceRatioAdjustFontSet();
+    own->InitializeAdjustSpacingFontSet();
+  }
   if (op == "noenv") {
     delete qro_base::Global::pInstance;
     qro_base::Global::pInstance = nullptr;
