@@ -153,11 +153,9 @@ TEST(KelFontFacadeScripts, Lines) {
     kelfont_test::TempDir dir;
     const std::string base = prepare(dir, c[0]);
     init(base);
-    std::istringstream calls(c[1]);
-    std::string answers;
-    for (std::string token; calls >> token;)
-      answers += (answers.empty() ? "" : " ") + call(token, base);
-    EXPECT_EQ(answers, c[2]) << c.line;
+    EXPECT_EQ(kelfont_test::answers(c[1], [&](const std::string& t) { return call(t, base); }),
+              c[2])
+        << c.line;
     UnInitKelFont();
   }
   EXPECT_EQ(gKelFontWidth, nullptr);

@@ -112,3 +112,15 @@ unsigned codeOf(const std::string& field) {
 }
 
 }  // namespace kelfont_test
+
+namespace kelfont_test {
+
+std::string answers(const std::string& calls,
+                    const std::function<std::string(const std::string&)>& call) {
+  std::istringstream tokens(calls);
+  std::string out;
+  for (std::string token; tokens >> token;) out += (out.empty() ? "" : " ") + call(token);
+  return out;
+}
+
+}  // namespace kelfont_test

@@ -36,3 +36,14 @@ std::vector<std::string> callFields(const std::string& token, size_t count = 6);
 unsigned codeOf(const std::string& field);
 
 }  // namespace kelfont_test
+
+#include <functional>
+
+namespace kelfont_test {
+
+// What `call` answers to each call of a script (calls separated by white
+// space), separated by spaces.
+std::string answers(const std::string& calls,
+                    const std::function<std::string(const std::string&)>& call);
+
+}  // namespace kelfont_test
