@@ -111,10 +111,6 @@ unsigned codeOf(const std::string& field) {
   return static_cast<unsigned>(std::stoul(field.substr(hex ? 2 : 0), nullptr, hex ? 16 : 0));
 }
 
-}  // namespace kelfont_test
-
-namespace kelfont_test {
-
 std::string answers(const std::string& calls,
                     const std::function<std::string(const std::string&)>& call) {
   std::istringstream tokens(calls);

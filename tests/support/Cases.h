@@ -27,6 +27,9 @@ std::string escape(const std::string& bytes);
 
 }  // namespace kelfont_test
 
+// Script calls, shared by the runners of calls.
+#include <functional>
+
 namespace kelfont_test {
 
 // The fields of a script call "OP,FIELD,...", split at commas ("_" in them
@@ -34,13 +37,6 @@ namespace kelfont_test {
 std::vector<std::string> callFields(const std::string& token, size_t count = 6);
 // A character field: one character as it is, "U+" and hex digits, or a number.
 unsigned codeOf(const std::string& field);
-
-}  // namespace kelfont_test
-
-#include <functional>
-
-namespace kelfont_test {
-
 // What `call` answers to each call of a script (calls separated by white
 // space), separated by spaces.
 std::string answers(const std::string& calls,
