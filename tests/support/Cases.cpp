@@ -147,3 +147,30 @@ void expectCalls(const Case& c, size_t calls, const Call& call) {
 }
 
 }  // namespace kelfont_test
+
+namespace kelfont_test {
+
+std::vector<std::string> callFields(const std::string& token, size_t count) {
+  std::vector<std::string> fields;
+  std::istringstream parts(token);
+  for (std::string part; std::getline(parts, part, ',');) fields.push_back(part);
+  if (fields.size() < count) fields.resize(count);
+  for (std::string& field : fields) std::replace(field.begin(), field.end(), '_', ' ');
+  return fields;
+}
+
+unsigned codeOf(const std::string& field) {
+  if (field.size() == 1) return static_cast<unsigned char>(field[0]);
+  const bool hex = field.rfind("U+", 0) == 0;
+  return static_cast<unsigned>(std::stoul(field.substr(hex ? 2 : 0), nullptr, hex ? 16 : 0));
+}
+
+std::string answers(const std::string& calls,
+                    const std::function<std::string(const std::string&)>& call) {
+  std::istringstream tokens(calls);
+  std::string out;
+  for (std::string token; tokens >> token;) out += (out.empty() ? "" : " ") + call(token);
+  return out;
+}
+
+}  // namespace kelfont_test

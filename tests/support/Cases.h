@@ -43,3 +43,20 @@ using Call = std::function<void(const std::string& call, std::ostream& said)>;
 void expectCalls(const Case& c, size_t calls, const Call& call);
 
 }  // namespace kelfont_test
+
+// Script calls, shared by the runners of calls.
+#include <functional>
+
+namespace kelfont_test {
+
+// The fields of a script call "OP,FIELD,...", split at commas ("_" in them
+// stands for a space), at least `count` of them.
+std::vector<std::string> callFields(const std::string& token, size_t count = 6);
+// A character field: one character as it is, "U+" and hex digits, or a number.
+unsigned codeOf(const std::string& field);
+// What `call` answers to each call of a script (calls separated by white
+// space), separated by spaces.
+std::string answers(const std::string& calls,
+                    const std::function<std::string(const std::string&)>& call);
+
+}  // namespace kelfont_test

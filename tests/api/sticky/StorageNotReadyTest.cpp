@@ -38,10 +38,10 @@ TEST(KelFontStartUp, StorageNotReadyGivesAnEmptyTableUntilAGoodPath) {
   ASSERT_EQ(chdir(previous), 0);
 
   const std::string base = dir.path() + "/good/";
-  ASSERT_TRUE(facade_test::writeCache(base, facade_test::standardFaces()));
+  ASSERT_TRUE(facade_test::writeCache(base, kelfont_test::cases("facade_faces.tsv")));
   EXPECT_EQ(InitKelFont("", base.c_str(), ""), 0);
-  EXPECT_EQ(GetFontIndex("돋움"), facade_test::kDotum);
-  EXPECT_EQ(GetFontCharInfo(facade_test::kDotum, 'A', regular, regular, value), 0);
+  EXPECT_EQ(GetFontIndex("돋움"), 2);
+  EXPECT_EQ(GetFontCharInfo(2, 'A', regular, regular, value), 0);
   EXPECT_EQ(value, 1024);
   UnInitKelFont();
 }

@@ -53,25 +53,17 @@ std::string said(int* value) { return value == &a ? "a" : value == &b ? "b" : "0
 template <typename V, unsigned kCodeBits>
 std::string run(const std::string& calls) {
   CharKeyCache<V, kCodeBits> cache;
-  std::istringstream tokens(calls);
-  std::string answers;
-  for (std::string t; tokens >> t;) {
-    std::string answer = ".";
+  return kelfont_test::answers(calls, [&](const std::string& t) {
+    V value{};
+    const std::size_t eq = t.find('=');
     if (t[0] == '+') {
-      const std::size_t eq = t.find('=');
-      answer =
-          std::to_string(cache.Insert(keyOf(t.substr(1, eq - 1)), valueOf<V>(t.substr(eq + 1))));
-    } else if (t[0] == '?') {
-      V value{};
-      answer = cache.Find(keyOf(t.substr(1)), value) ? said(value) : "-";
-    } else if (t == "#") {
-      answer = std::to_string(cache.Size());
-    } else {
-      cache.Clear();
+      return std::to_string(cache.Insert(keyOf(t.substr(1, eq - 1)), valueOf<V>(t.substr(eq + 1))));
     }
-    answers += (answers.empty() ? "" : " ") + answer;
-  }
-  return answers;
+    if (t[0] == '?') return cache.Find(keyOf(t.substr(1)), value) ? said(value) : "-";
+    if (t == "#") return std::to_string(cache.Size());
+    cache.Clear();
+    return std::string(".");
+  });
 }
 
 TEST(CharKeyCache, Lines) {

@@ -12,14 +12,18 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <functional>
 #include <map>
 #include <memory>
 #include <sstream>
 #include <utility>
 
+#include "api/KelFontWidth.h"
 #include "base/Environment.h"
 #include "common/analysis/FontFileAnalyzer.h"
 #include "common/analysis/FontUSBType.h"
+#include "common/analysis/GposKerning.h"
 #include "common/font_info/CharMetrics.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/FontInfo.h"
@@ -88,6 +92,27 @@ std::string fingerprint(const std::string& fi) {
   return le(static_cast<unsigned>(hash), 4) + le(static_cast<unsigned>(hash >> 32), 4);
 }
 
+// gpos_kern.ttf's pairs as fontTools reads them; none without HarfBuzz.
+std::map<std::pair<int, int>, int> gposPairs() {
+  std::map<std::pair<int, int>, int> pairs;
+  std::ifstream in(testFontPath("expected_gpos_kern.txt"));
+  for (int l, r, v; qro_common::hasGposKerning() && in >> l >> r >> v;) pairs[{l, r}] = v;
+  return pairs;
+}
+
+// Every printable-ASCII pair against gposPairs(): the first that differs, or "ok".
+std::string pairsDiffer(const std::function<int(int, int)>& kerning) {
+  const auto want = gposPairs();
+  for (int l = 32; l < 127; ++l) {
+    for (int r = 32; r < 127; ++r) {
+      auto it = want.find({l, r});
+      if (kerning(l, r) != (it == want.end() ? 0 : it->second))
+        return std::to_string(l) + "," + std::to_string(r);
+    }
+  }
+  return "ok";
+}
+
 // Advances by style and code point of the static instances of a variable
 // font, as a TrueType composite takes them: from its last component flagged
 // USE_MY_METRICS, when one is.
@@ -126,6 +151,7 @@ struct Script {
   bool package = true;
   ManagerRig rig;
   std::unique_ptr<FileSizeLimit> limit;
+  std::unique_ptr<CKelFontWidth> facade;
   LogCapture log;
   std::size_t logSeen = 0;
   unsigned long opens = qro_common::FontFileAnalyzer::GetOpenCount();
@@ -136,7 +162,7 @@ struct Script {
     if (setup == "deep") {
       while (folder.size() < 2300) folder += "/" + std::string(200, 'd');
     }
-    if (setup == "folder" || setup == "deep") {
+    if (setup == "folder" || setup == "deep" || setup.rfind("gpos", 0) == 0) {
       fs::create_directories(folder);
       dirs = {folder};
       package = false;
@@ -167,7 +193,7 @@ struct Script {
 };
 
 std::string Script::call(const std::string& token) {
-  const std::vector<std::string> a = fieldsOf(token);
+  const std::vector<std::string> a = callFields(token);
   const std::string& op = a[0];
   if (op == "S") {  // (re)start, with a file size limit or in an interface language
     rig = ManagerRig();
@@ -221,7 +247,7 @@ std::string Script::call(const std::string& token) {
     std::istringstream lines(output);
     std::string style;
     for (unsigned code = 0, advance = 0; lines >> style >> code >> advance;) {
-      advances[fieldsOf(style)[0]][code] = static_cast<int>(advance);
+      advances[callFields(style)[0]][code] = static_cast<int>(advance);
     }
     const qro_common::FontTable& table = *rig->GetFontTable();
     qro_common::FontInfoSerializer serializer(storage);
@@ -250,6 +276,38 @@ std::string Script::call(const std::string& token) {
       }
     }
     return std::to_string(advances.size());
+  }
+  if (op == "K") {
+    const int font = rig->GetFontIndex(a[1]);
+    return pairsDiffer(
+        [&](int l, int r) { return rig->GetKerningWidth(font, false, false, l, r); });
+  }
+  if (op == "F") {  // the facade on this storage
+    facade.reset(new CKelFontWidth());
+    facade->SetExtractPath(storage.c_str());
+    const int serializer = facade->InitFontInfoSerializer();
+    return std::to_string(serializer) + "/" + std::to_string(facade->InitFontTable());
+  }
+  if (op == "FK") {
+    const int font = facade->GetFontIndex(a[1].c_str());
+    return pairsDiffer([&](int l, int r) {
+      int delta = 1;
+      return facade->GetKerningInfo(font, false, false, l, r, delta) == 0 ? delta : -9999;
+    });
+  }
+  if (op == "tail") {  // the last N bytes (none of them white space)
+    const std::string bytes = readFile(file(a[1]));
+    return bytes.substr(bytes.size() - std::min(bytes.size(), std::stoul(a[2])));
+  }
+  if (op == "kerned") {  // the kept file, its empty kerning part and "left" flag now gposPairs()
+    const auto pairs = gposPairs();
+    std::string bytes = le(unsigned(pairs.size()), 4);
+    for (const auto& [pair, delta] : pairs)
+      bytes += le(unsigned(pair.first), 4) + le(unsigned(pair.second), 4) + le(unsigned(delta), 2);
+    const std::string& old = kept[a[1]].first;
+    const std::string now =
+        old.substr(0, old.size() - 24) + bytes + le(0, 4) + old.substr(old.size() - 16);
+    return readFile(file(a[1])) == now ? "ok" : "differs";
   }
   if (op == "cut") {
     const std::string bytes = readFile(file(a[1]));
@@ -352,34 +410,62 @@ font.save(dst)
   return answer;
 }
 
-// The lines of tests/data/manager_scripts.tsv, those on the Android fonts
-// ("$ANDROID" their folder) or the others.
-void runLines(const char* android) {
+// The lines of tests/data/manager_scripts.tsv whose setup `pick` takes; "gpos-hb" lines run
+// with HarfBuzz, "gpos-nohb" lines without.
+void runLines(const std::function<bool(const std::string&)>& pick) {
+  const char* android = std::getenv("KELFONT_ANDROID_FONTS");
   for (const Case& c : cases("manager_scripts.tsv")) {
-    if ((c[0] == "android") != (android != nullptr)) continue;
-    Script script(android != nullptr ? "folder" : c[0]);
-    std::string calls = c[1], answers, expected;
-    if (android != nullptr && calls.find("$ANDROID") != std::string::npos)
+    if (!pick(c[0]) || c[0] == (qro_common::hasGposKerning() ? "gpos-nohb" : "gpos-hb")) continue;
+    Script script(c[0] == "android" ? "folder" : c[0]);
+    std::string calls = c[1];
+    if (calls.find("$ANDROID") != std::string::npos)
       calls.replace(calls.find("$ANDROID"), 8, android);
-    std::istringstream tokens(calls), wanted(c[2]);
-    for (std::string token; tokens >> token;)
-      answers += (answers.empty() ? "" : " ") + script.call(token);
-    for (std::string token; wanted >> token;) {
-      expected += (expected.empty() ? "" : " ") +
-                  (token[0] == '=' || token[0] == '~' ? reference(token) : token);
-    }
-    EXPECT_EQ(answers, expected) << c.line;
+    const std::string expected = answers(c[2], [](const std::string& token) {
+      return token[0] == '=' || token[0] == '~' ? reference(token) : token;
+    });
+    EXPECT_EQ(answers(calls, [&](const std::string& token) { return script.call(token); }),
+              expected)
+        << c.line;
   }
 }
 
-TEST(FontManagerScripts, Lines) { runLines(nullptr); }
+bool gpos(const std::string& setup) { return setup.rfind("gpos", 0) == 0; }
+
+TEST(FontManagerScripts, Lines) {
+  runLines([](const std::string& setup) { return setup != "android" && !gpos(setup); });
+}
+
+// The lines on gpos_kern.ttf: kerning on first use, characters without a range (also run in
+// builds without HarfBuzz).
+TEST(KerningOnFirstUse, Lines) { runLines(gpos); }
 
 TEST(FontManagerScripts, AndroidFonts) {
   const char* folder = std::getenv("KELFONT_ANDROID_FONTS");
   if (folder == nullptr || *folder == '\0') {
     GTEST_SKIP() << "KELFONT_ANDROID_FONTS is not set (scripts/android-fonts.sh DIR makes the set)";
   }
-  runLines(folder);
+  runLines([](const std::string& setup) { return setup == "android"; });
+}
+
+// A font rewritten in place (as a copy over it does) while the analyzer has it open: the
+// analysis goes on with the file as it was opened.
+TEST(FontManagerScripts, AFontRewrittenWhileAnalysed) {
+  TempDir dir;
+  const std::string path = dir.file("replaced.ttf");
+  ASSERT_TRUE(writeFile(path, readFile(testFontPath("basic.ttf"))));
+  qro_common::FontFileAnalyzer analyzer;
+  ASSERT_TRUE(analyzer.Open(path.c_str(), 0));
+  ASSERT_TRUE(writeFile(path, std::string(300, 'x')));
+  std::unique_ptr<qro_common::FontInfo> info(analyzer.Analyze());
+  ASSERT_NE(info, nullptr);
+  analyzer.AnalyzeData(*info);
+  analyzer.Close();
+  ASSERT_NE(info->GetCharMetricsInfo(), nullptr);
+  for (unsigned code : {0x41u, 0x7Eu, 0xAC00u}) {
+    const qro_common::CharMetrics* metrics = info->GetCharMetricsInfo()->GetCharMetrics(code);
+    ASSERT_NE(metrics, nullptr) << code;
+    EXPECT_EQ(metrics->GetAdvance(), expectedFace("basic.ttf").chars.at(code).advance) << code;
+  }
 }
 
 }  // namespace

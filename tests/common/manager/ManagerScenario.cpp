@@ -10,8 +10,10 @@
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontMetrics.h"
 #include "common/font_info/KerningInfo.h"
+#include "common/manager/Path.h"
 #include "common/registry/FontTable.h"
 #include "tests/common/font_info/TableBuilders.h"
+#include "tests/support/Cases.h"
 #include "tests/support/TestFonts.h"
 #include "tests/support/TestPackage.h"
 
@@ -26,39 +28,27 @@ void link(const std::string& target, const std::string& directory) {
   std::filesystem::create_symlink(from, std::filesystem::path(directory) / from.filename());
 }
 
-// basic.ttf's characters and kerning pairs with advances n units wider and
-// deltas n units smaller.
-std::string packageFontData(const ExpectedFace& basic, int n) {
-  qro_common::FontInfo info;
-  auto* table = new qro_common::CharMetricsInfo();
-  info.SetCharMetricsInfo(table);
-  for (const auto& entry : basic.chars) {
-    font_info_test::addAdvance(*table, entry.first,
-                               static_cast<unsigned short>(entry.second.advance + n));
-  }
-  auto* kerning = new qro_common::KerningInfo();
-  info.SetKerningInfo(kerning);
-  for (const auto& pair : basic.kerning) {
-    kerning->Register(static_cast<int>(pair.first.first), static_cast<int>(pair.first.second),
-                      static_cast<short>(pair.second - n));
-  }
-  return dataFileBytes(info);
-}
-
+// Package font n: basic.ttf's record without its file, its characters n
+// units wider, its kerning deltas n units smaller.
 void buildPackage(const std::string& directory) {
   std::unique_ptr<qro_common::FontInfo> basic = analyzeFontFile(testFontPath("basic.ttf"));
-  ExpectedFace expected;
-  if (!basic || !loadExpectedFace("basic.ttf", 0, &expected)) {
-    throw std::runtime_error("basic.ttf cannot be analysed");
-  }
+  if (!basic) throw std::runtime_error("basic.ttf cannot be analysed");
+  const ExpectedFace expected = expectedFace("basic.ttf");
   std::vector<qro_common::FontInfo> owned(kPackageFontCount);
   std::vector<qro_common::FontInfo*> infos;
   TestPackage package;
   for (int n = 0; n < kPackageFontCount; ++n) {
     owned[n].SetFontName(new std::string(packageFontName(n)));
     owned[n].SetFontMetrics(new qro_common::FontMetrics(*basic->GetFontMetrics()));
+    auto* table = new qro_common::CharMetricsInfo();
+    for (const auto& [code, ch] : expected.chars)
+      font_info_test::addAdvance(*table, code, static_cast<unsigned short>(ch.advance + n));
+    auto* kerning = new qro_common::KerningInfo();
+    for (const auto& [pair, delta] : expected.kerning)
+      kerning->Register(int(pair.first), int(pair.second), static_cast<short>(delta - n));
+    owned[n].SetCharMetricsInfo(table);
+    owned[n].SetKerningInfo(kerning);
     infos.push_back(&owned[n]);
-    package.add("Fdata/" + std::to_string(n), packageFontData(expected, n));
   }
   if (!package.addFontTable(infos)) throw std::runtime_error("package table not written");
   package.add("fc", "Liberation Serif\nNanumGothic\n\n굴림\nNanumGothic\n\n");
@@ -104,15 +94,6 @@ ManagerRig start(const std::string& storage, const std::vector<std::string>& dir
   return rig;
 }
 
-std::vector<std::string> fieldsOf(const std::string& token) {
-  std::vector<std::string> a;
-  std::istringstream parts(token);
-  for (std::string part; std::getline(parts, part, ',');) a.push_back(part);
-  a.resize(6);
-  for (std::string& field : a) std::replace(field.begin(), field.end(), '_', ' ');
-  return a;
-}
-
 namespace {
 
 // A font by index or by name; "$LONG" is longname.ttf's family name as the
@@ -132,20 +113,30 @@ int fontOf(const qro_common::FontManager& manager, const std::string& field) {
   return manager.GetFontIndex(name);
 }
 
-unsigned codeOf(const std::string& field) {
-  if (field.size() == 1) return static_cast<unsigned char>(field[0]);
-  return static_cast<unsigned>(std::stoul(field.substr(field.rfind("U+", 0) == 0 ? 2 : 0), nullptr,
-                                          field.rfind("U+", 0) == 0 ? 16 : 0));
-}
-
-std::string spaced(std::string text) {
-  std::replace(text.begin(), text.end(), ' ', '_');
-  return text;
-}
-
 std::string number(double value) {
   char text[32];
   std::snprintf(text, sizeof text, "%.6g", value);
+  return text;
+}
+
+// A path's commands as written: the command's letter, then its points.
+struct RecordingPath : qro_graphics::Path {
+  std::string out;
+  void add(char op, std::initializer_list<float> points) {
+    out += op;
+    for (size_t i = 0; i < points.size(); ++i) out += (i ? "," : "") + number(points.begin()[i]);
+  }
+  void reset() override { out += 'R'; }
+  void moveTo(float x, float y) override { add('M', {x, y}); }
+  void lineTo(float x, float y) override { add('L', {x, y}); }
+  void quadTo(float a, float b, float x, float y) override { add('Q', {a, b, x, y}); }
+  void cubicTo(float a, float b, float c, float d, float x, float y) override {
+    add('C', {a, b, c, d, x, y});
+  }
+};
+
+std::string spaced(std::string text) {
+  std::replace(text.begin(), text.end(), ' ', '_');
   return text;
 }
 
@@ -159,7 +150,7 @@ std::string faceOf(const qro_common::FontInfo* info) {
 }  // namespace
 
 std::string ask(qro_common::FontManager& m, const std::string& token) {
-  const std::vector<std::string> a = fieldsOf(token);
+  const std::vector<std::string> a = callFields(token);
   const std::string& op = a[0];
   const int font = fontOf(m, a[1]);
   const std::string& style = op == "s" ? a[2] : a[3];
@@ -192,12 +183,14 @@ std::string ask(qro_common::FontManager& m, const std::string& token) {
     return faceOf(a[3].empty() ? m.ResolveSystemFontInfo(font, bold, italic)
                                : m.ResolveSystemFontInfo(font, std::stoi(a[3]), bold, italic));
   }
-  if (op == "O") {
+  if (op == "O" || op == "G") {  // drawn from the pen at (100.7, 50.2)
     RecordingPath path;
-    float x = 0, y = 0;
-    const int status =
-        m.OutlineToPath(m.ResolveSystemFontInfo(font, bold, italic), codeOf(a[2]), x, y, &path);
-    return std::to_string(status) + "/" + std::to_string(path.out.size()) + "/" + number(x);
+    float x = 100.7f, y = 50.2f;
+    const int status = op == "O" ? m.OutlineToPath(m.ResolveSystemFontInfo(font, bold, italic),
+                                                   codeOf(a[2]), x, y, &path)
+                                 : m.GlyphOutlineToPath(m.GetFontInfo(font, bold, italic),
+                                                        codeOf(a[2]), x, y, &path);
+    return std::to_string(status) + ":" + path.out + ":" + number(x) + "," + number(y);
   }
   if (op == "u") return std::to_string(m.ResolveFontMetrics(font)->GetUnitsPerEm());
   if (op == "b") return std::to_string(m.IsFontBold(font));

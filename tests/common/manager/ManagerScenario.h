@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "common/manager/FontManager.h"
-#include "common/manager/Path.h"
 #include "native/DefaultFontInfoFileExtracter.h"
 #include "tests/support/TempDir.h"
 
@@ -21,20 +20,6 @@ class TestFontManager : public qro_common::FontManager {
       : FontManager(extracter) {
     SetStoragePath(storage);
     for (const std::string& directory : directories) AddFontDirectoryPath(directory);
-  }
-};
-
-// A path's commands as numbers: the command's letter, then its points.
-struct RecordingPath : qro_graphics::Path {
-  std::vector<float> out;
-  void reset() override { out.push_back('R'); }
-  void moveTo(float x, float y) override { out.insert(out.end(), {'M', x, y}); }
-  void lineTo(float x, float y) override { out.insert(out.end(), {'L', x, y}); }
-  void quadTo(float a, float b, float x, float y) override {
-    out.insert(out.end(), {'Q', a, b, x, y});
-  }
-  void cubicTo(float a, float b, float c, float d, float x, float y) override {
-    out.insert(out.end(), {'C', a, b, c, d, x, y});
   }
 };
 
@@ -68,7 +53,5 @@ ManagerRig start(const std::string& storage, const std::vector<std::string>& dir
 // One query of tests/data/manager_scripts.tsv (its header lists them) and
 // the answer; safe to call from several threads at once.
 std::string ask(qro_common::FontManager& manager, const std::string& token);
-// The fields of a call, split at commas ("_" in names stands for a space).
-std::vector<std::string> fieldsOf(const std::string& token);
 
 }  // namespace kelfont_test
