@@ -78,7 +78,7 @@ bool load(qro_common::FontTable& table, const std::string& base, const std::stri
   return written && table.LoadFontInfo(reader);
 }
 
-std::string slots(const qro_common::StyledFontInfoList& l,
+std::string slots(const StyledFontInfoList& l,
                   const std::function<std::string(const FontInfo*)>& at) {
   return "R" + at(l.GetRegular()) + " B" + at(l.GetBold()) + " I" + at(l.GetItalic()) + " BI" +
          at(l.GetBoldItalic()) + " D" + at(l.GetDefault());
@@ -86,8 +86,8 @@ std::string slots(const qro_common::StyledFontInfoList& l,
 
 struct State {
   qro_common::FontTable table;
-  std::unique_ptr<qro_common::StyledFontInfoList> list;  // the slots of a font alone
-  std::vector<std::unique_ptr<FontInfo>> faces;          // what was informed to it
+  std::unique_ptr<StyledFontInfoList> list;      // the slots of a font alone
+  std::vector<std::unique_ptr<FontInfo>> faces;  // the faces made for it
 };
 
 std::string step(State& state, const std::string& s, const std::string& base) {
