@@ -126,10 +126,10 @@ TEST(FontInfoSerializer, RecordLines) {
       golden += length + c[1];
     }
   }
-  std::string many;
   // Ten or more names: the count is written in hex and read as its
   // decimal digits ("0a": none). The first entry is the lowest code's.
   FontInfo ten, read;
+  std::string many;
   for (int code : {0x0409, 0x0412, 0x0411, 0x0804, 0x0404, 0x0407, 0x040C, 0x0410, 0x0419, 0x0C0A})
     ten.AddLocalizedName(code, "n");
   serializer.Write(ten, many, 0);
