@@ -75,14 +75,6 @@ std::vector<std::string> testFontFiles() {
   return files;
 }
 
-std::vector<ExpectedName> ExpectedFace::familyNames() const {
-  std::vector<ExpectedName> result;
-  for (const ExpectedName& name : names) {
-    if (name.nameId == 1) result.push_back(name);
-  }
-  return result;
-}
-
 bool loadExpectedFace(const std::string& fontFile, int faceIndex, ExpectedFace* out,
                       std::string* error) {
   std::string path = expectedFileFor(fontFile);

@@ -240,7 +240,9 @@ TEST(FontFileAnalyzer, PreferredLanguageIsByDefaultTheInterfaceLanguage) {
 
 TEST(FontFileAnalyzer, LongFamilyNameIsCutAtAUnitBoundary) {
   // 1500 Hangul syllables, UTF-16BE in the file and three UTF-8 bytes each.
-  const std::string utf16 = expectedFace("longname.ttf").familyNames().at(0).bytes;
+  const kelfont_test::ExpectedName family = expectedFace("longname.ttf").names.at(0);
+  ASSERT_EQ(family.nameId, 1);
+  const std::string& utf16 = family.bytes;
   std::string utf8;
   for (std::size_t i = 0; i + 1 < utf16.size(); i += 2) {
     unsigned unit =
