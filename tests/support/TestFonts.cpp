@@ -7,15 +7,14 @@
 #include <iterator>
 #include <sstream>
 
+#include "tests/support/Cases.h"
+
 namespace kelfont_test {
 
 namespace {
 
 std::string expectedFileFor(const std::string& fontFile) {
-  std::string stem = fontFile;
-  std::string::size_type dot = stem.rfind('.');
-  if (dot != std::string::npos) stem.erase(dot);
-  return testFontPath("expected_" + stem + ".txt");
+  return testFontPath("expected_" + fontFile.substr(0, fontFile.rfind('.')) + ".txt");
 }
 
 // Parses one record into `face`; false when the line is malformed.
@@ -39,9 +38,7 @@ bool parseRecord(const std::string& key, std::istringstream& in, ExpectedFace* f
   if (key == "name") {
     ExpectedName name;
     in >> name.platform >> name.encoding >> name.language >> name.nameId >> text;
-    for (size_t i = 0; i + 1 < text.size(); i += 2) {
-      name.bytes.push_back(static_cast<char>(std::stoi(text.substr(i, 2), nullptr, 16)));
-    }
+    name.bytes = unhex(text);
     face->names.push_back(name);
   }
   if (key == "char") {
@@ -74,19 +71,8 @@ std::string testFontPath(const std::string& name) { return testFontDir() + "/" +
 std::vector<std::string> testFontFiles() {
   std::vector<std::string> files;
   std::ifstream in(testFontPath("fonts.txt"));
-  std::string line;
-  while (std::getline(in, line)) {
-    if (!line.empty()) files.push_back(line);
-  }
+  for (std::string line; std::getline(in, line);) files.push_back(line);
   return files;
-}
-
-std::vector<ExpectedName> ExpectedFace::familyNames() const {
-  std::vector<ExpectedName> result;
-  for (const ExpectedName& name : names) {
-    if (name.nameId == 1) result.push_back(name);
-  }
-  return result;
 }
 
 bool loadExpectedFace(const std::string& fontFile, int faceIndex, ExpectedFace* out,
@@ -101,9 +87,7 @@ bool loadExpectedFace(const std::string& fontFile, int faceIndex, ExpectedFace* 
   bool inFace = false;
   bool found = false;
   std::string line;
-  int lineNumber = 0;
-  while (std::getline(in, line)) {
-    ++lineNumber;
+  for (int lineNumber = 1; std::getline(in, line); ++lineNumber) {
     std::istringstream fields(line);
     std::string key;
     if (!(fields >> key)) continue;
@@ -138,10 +122,7 @@ ExpectedFace expectedFace(const std::string& fontFile, int faceIndex) {
 int expectedFaceCount(const std::string& fontFile) {
   std::ifstream in(expectedFileFor(fontFile));
   int count = 0;
-  std::string line;
-  while (std::getline(in, line)) {
-    if (line.compare(0, 5, "face ") == 0) ++count;
-  }
+  for (std::string line; std::getline(in, line);) count += line.compare(0, 5, "face ") == 0;
   return count;
 }
 

@@ -50,9 +50,6 @@ struct ExpectedFace {
   std::vector<int> glyphAdvances;                                   // by glyph index
   std::map<std::pair<std::uint32_t, std::uint32_t>, int> kerning;   // code points -> value
   std::map<int, std::vector<std::vector<ExpectedPoint>>> outlines;  // glyph -> contours
-
-  // The family-name records (name ID 1), in table order.
-  std::vector<ExpectedName> familyNames() const;
 };
 
 // Reads the expected values of one face of a generated font file. Returns

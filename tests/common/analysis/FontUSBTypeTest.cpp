@@ -1,13 +1,12 @@
-#include "common/analysis/FontUSBType.h"
-
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
 #include <sstream>
 #include <string>
-#include <tuple>
 #include <vector>
 
+#include "common/analysis/FontUSBType.h"
 #include "tests/support/Python.h"
 
 namespace {
@@ -17,16 +16,11 @@ using Info = FontUSBType::CodePointUSBInfo;
 
 const std::string kScripts = std::string(KELFONT_TEST_SOURCE_DIR) + "/../scripts";
 
-struct ListedRange {
-  int bit;
-  int index;  // sub-range index, -1 for a single-range bit
-  int count;  // sub-range count, 0 for a single-range bit
-  unsigned first;
-  unsigned last;
-};
-
-// The published block lists of every bit, as the table generator holds them.
-std::vector<ListedRange> listedRanges() {
+// The published block lists of every bit, as the table generator holds them:
+// bit, sub-range index (-1 for a single-range bit), sub-range count (0 for a
+// single-range bit), first and last code point.
+using Record = std::array<long long, 5>;
+std::vector<Record> listedRanges() {
   std::string text;
   EXPECT_TRUE(kelfont_test::runPython(
       "import sys; sys.path.insert(0, sys.argv[1]); import gen_usb_types as g; "
@@ -35,10 +29,13 @@ std::vector<ListedRange> listedRanges() {
       "[print(b, -1, 0, *r[0]) for b, r in g.parse_single(g.SINGLE)]",
       {kScripts}, &text));
   std::istringstream in(text);
-  std::vector<ListedRange> result;
-  ListedRange r{};
-  while (in >> r.bit >> r.index >> r.count >> r.first >> r.last) result.push_back(r);
+  std::vector<Record> result;
+  for (Record r; in >> r[0] >> r[1] >> r[2] >> r[3] >> r[4];) result.push_back(r);
   return result;
+}
+
+Record record(const Info& info) {
+  return {info.usbType, info.subRangeIndex, info.subRangeCount, info.rangeFirst, info.rangeLast};
 }
 
 // Every code point against the lists: its bit, and for both ends and the
@@ -46,19 +43,16 @@ std::vector<ListedRange> listedRanges() {
 // blocks (U+D7FC..D7FF, U+F0000..FEFFF, the gaps) have no bit and leave the
 // rest of the record as it was.
 TEST(FontUSBType, EveryCodePointMatchesTheLists) {
-  std::vector<ListedRange> ranges = listedRanges();
+  std::vector<Record> ranges = listedRanges();
   ASSERT_GT(ranges.size(), 150u);
   std::vector<unsigned char> expected(0x110000, FontUSBType::kNoBit);
-  for (const ListedRange& r : ranges) {
-    for (unsigned cp = r.first; cp <= r.last; ++cp) expected[cp] = static_cast<unsigned char>(r.bit);
-    for (unsigned cp : {r.first, r.first + (r.last - r.first) / 2, r.last}) {
+  for (const Record& r : ranges) {
+    const auto first = static_cast<unsigned>(r[3]), last = static_cast<unsigned>(r[4]);
+    for (unsigned cp = first; cp <= last; ++cp) expected[cp] = static_cast<unsigned char>(r[0]);
+    for (unsigned cp : {first, first + (last - first) / 2, last}) {
       Info info{0, 9, 0, 0, 0};
-      ASSERT_EQ(FontUSBType::GetCodePointUSBInfo(cp, info), r.bit) << std::hex << cp;
-      EXPECT_EQ(std::make_tuple(int{info.usbType}, int{info.subRangeIndex}, info.rangeFirst,
-                                info.rangeLast, info.subRangeCount),
-                std::make_tuple(r.bit, r.index, static_cast<int>(r.first), static_cast<int>(r.last),
-                                r.count))
-          << std::hex << cp;
+      ASSERT_EQ(FontUSBType::GetCodePointUSBInfo(cp, info), r[0]) << std::hex << cp;
+      EXPECT_EQ(record(info), r) << std::hex << cp;
     }
   }
   int mismatches = 0;
@@ -71,16 +65,15 @@ TEST(FontUSBType, EveryCodePointMatchesTheLists) {
   }
   Info info{7, 3, 11, 22, 33};
   EXPECT_EQ(FontUSBType::GetCodePointUSBInfo(0x0860, info), 255);
-  EXPECT_EQ(std::make_tuple(int{info.usbType}, int{info.subRangeIndex}, info.rangeFirst,
-                            info.rangeLast, info.subRangeCount),
-            std::make_tuple(255, 3, 11, 22, 33));
+  EXPECT_EQ(record(info), (Record{255, 3, 33, 11, 22}));
 }
 
 // The generator itself checks that its lists do not overlap, that the code
 // points outside them are exactly the known gaps, and that the script
 // classes of the character-type table pick the same default fonts.
 TEST(UsbTypesGenerator, CheckedInSourceIsUpToDate) {
-  std::string command = std::string(KELFONT_PYTHON) + " -B " + kScripts + "/gen_usb_types.py --check";
+  std::string command =
+      std::string(KELFONT_PYTHON) + " -B " + kScripts + "/gen_usb_types.py --check";
   EXPECT_EQ(std::system(command.c_str()), 0) << command;
 }
 

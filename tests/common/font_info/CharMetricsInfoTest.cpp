@@ -163,10 +163,25 @@ std::string step(std::unique_ptr<CharMetricsInfo>& info, const std::string& s, M
     first = static_cast<int>(hexNumber(a[1]));
     last = static_cast<int>(hexNumber(a[2]));
   }
-  if (op == 's') {  // a single range FIRST-LAST with CODE=ADVANCE in a slot
+  if (op == 's') {  // a single range FIRST-LAST with CODE=ADVANCE in a slot (SLOT/SUB: a block)
     auto* single = new SingleCharMetricsRange(first, last);
     single->SetAdvance(hexNumber(a[3]), static_cast<unsigned short>(std::stoi(a[4])));
-    info->SetCharMetricsRange(slot(0), single);
+    const size_t sub = a[0].find('/');
+    if (sub == std::string::npos) info->SetCharMetricsRange(slot(0), single);
+    if (sub != std::string::npos) {
+      static_cast<MultiCharMetricsRange*>(info->GetCharMetricsRange(slot(0)))
+          ->SetCharMetricsRange(std::stoi(a[0].substr(sub + 1)), single);
+    }
+  }
+  if (op == 'k') {  // the range of block SUB of a multi range set again into its place
+    auto* multi = static_cast<MultiCharMetricsRange*>(info->GetCharMetricsRange(slot(0)));
+    multi->SetCharMetricsRange(std::stoi(a[1]), multi->GetCharMetricsRange(std::stoi(a[1])));
+  }
+  if (op == 'c') {  // in the range of FROM, TO gets FROM's entry, or a new one of ADVANCE
+    SingleCharMetricsRange* range = singleOf(*info, hexNumber(a[0]), &first, &last);
+    const auto advance = static_cast<unsigned short>(a.size() > 2 ? std::stoi(a[2]) : 0);
+    range->Set(hexNumber(a[1]),
+               a.size() > 2 ? new CharMetrics(advance) : range->Get(hexNumber(a[0])));
   }
   if (op == 'Z') {  // a zipped range FIRST-LAST sharing ADVANCE, no code visible
     auto* shared = new CharMetrics(static_cast<unsigned short>(std::stoi(a[3])));
@@ -176,7 +191,7 @@ std::string step(std::unique_ptr<CharMetricsInfo>& info, const std::string& s, M
   }
   if (op == 'm') info->SetCharMetricsRange(slot(0), new MultiCharMetricsRange(std::stoi(a[1])));
   if (op == 'z') info->ZipCharMetricsRanges();
-  return std::string("sZmz").find(op) != std::string::npos ? "." : "unknown step " + s;
+  return std::string("sZmzck").find(op) != std::string::npos ? "." : "unknown step " + s;
 }
 
 TEST(CharMetricsInfo, Steps) {

@@ -73,22 +73,23 @@ std::string describe(const FontInfo& info) {
   return all.substr(0, all.size() - 1);
 }
 
-class FontInfoSerializerTest : public testing::Test {
- protected:
-  std::string Base() const { return dir_.path() + "/"; }
-  std::string Table() const { return dir_.file("FInfo/Ftable"); }
-  std::string Data(int index) const { return dir_.file("FInfo/Fdata/" + std::to_string(index)); }
-  static void deleteAll(Infos& list) {
-    for (FontInfo* info : list) delete info;
-    list.clear();
-  }
-  TempDir dir_;
+void deleteAll(Infos& list) {
+  for (FontInfo* info : list) delete info;
+  list.clear();
+}
+
+// A cache folder: the face table, the data files and the default fonts.
+struct Cache {
+  TempDir dir;
+  std::string base = dir.path() + "/", table = dir.file("FInfo/Ftable");
+  std::string data(int index) const { return dir.file("FInfo/Fdata/" + std::to_string(index)); }
 };
 
 // The lines of tests/data/font_records.tsv; the record lines, in order,
 // form one table, which reads back and writes again byte for byte.
-TEST_F(FontInfoSerializerTest, RecordLines) {
-  FontInfoSerializer serializer(Base());
+TEST(FontInfoSerializer, RecordLines) {
+  Cache cache;
+  FontInfoSerializer serializer(cache.base);
   std::vector<std::unique_ptr<FontInfo>> owned;
   Infos table;
   std::vector<std::string> fields;
@@ -125,14 +126,10 @@ TEST_F(FontInfoSerializerTest, RecordLines) {
       golden += length + c[1];
     }
   }
-  // A number field longer than the number buffer: the cursor still moves.
-  std::string digits(400, '7'), many;
-  const char* cursor = digits.c_str();
-  serializer.ReadInt(&cursor, 400);
-  EXPECT_EQ(cursor, digits.c_str() + 400);
   // Ten or more names: the count is written in hex and read as its
   // decimal digits ("0a": none). The first entry is the lowest code's.
   FontInfo ten, read;
+  std::string many;
   for (int code : {0x0409, 0x0412, 0x0411, 0x0804, 0x0404, 0x0407, 0x040C, 0x0410, 0x0419, 0x0C0A})
     ten.AddLocalizedName(code, "n");
   serializer.Write(ten, many, 0);
@@ -142,29 +139,29 @@ TEST_F(FontInfoSerializerTest, RecordLines) {
 
   Directories none;
   ASSERT_TRUE(serializer.Write(table, none));
-  EXPECT_EQ(readFile(Table()), golden);
-  FontInfoSerializer reader(Base());
+  EXPECT_EQ(readFile(cache.table), golden);
+  FontInfoSerializer reader(cache.base);
   Infos list;
   ASSERT_TRUE(reader.Read(list));
   ASSERT_EQ(list.size(), table.size());
   for (size_t i = 0; i < list.size(); ++i) EXPECT_EQ(describe(*list[i]), fields[i]);
   EXPECT_EQ(*reader.GetDefaultFontIndexes(), std::vector<int>(5, 0));
-  FontInfoSerializer again(Base() + "again/");
+  FontInfoSerializer again(cache.base + "again/");
   ASSERT_TRUE(again.Write(list, none));
-  EXPECT_EQ(readFile(dir_.file("again/FInfo/Ftable")), golden);
+  EXPECT_EQ(readFile(cache.dir.file("again/FInfo/Ftable")), golden);
   deleteAll(list);
 
   // Five default font indexes are kept; another version yields no records.
   serializer.SetDefaultFontIndexes({3, -1, 70000, 2, 1, 99});
   ASSERT_TRUE(serializer.Write(table, none));
-  FontInfoSerializer indexes(Base());
+  FontInfoSerializer indexes(cache.base);
   ASSERT_TRUE(indexes.Read(list));
   EXPECT_EQ(*indexes.GetDefaultFontIndexes(), (std::vector<int>{3, -1, 70000, 2, 1}));
   deleteAll(list);
   std::string other = golden;
   other[24] = '3';  // "Table Version 2.034"
-  ASSERT_TRUE(writeFile(Table(), other));
-  FontInfoSerializer stale(Base());
+  ASSERT_TRUE(writeFile(cache.table, other));
+  FontInfoSerializer stale(cache.base);
   EXPECT_FALSE(stale.ReadHeader());
   EXPECT_FALSE(stale.Read(list));
   EXPECT_TRUE(list.empty());
@@ -172,12 +169,13 @@ TEST_F(FontInfoSerializerTest, RecordLines) {
 }
 
 // The lines of tests/data/font_data_files.tsv: what data files read as.
-TEST_F(FontInfoSerializerTest, DataFileLines) {
-  FontInfoSerializer serializer(Base());
+TEST(FontInfoSerializer, DataFileLines) {
+  Cache cache;
+  FontInfoSerializer serializer(cache.base);
   for (const Case& c : cases("font_data_files.tsv")) {
     SCOPED_TRACE(c.line);
-    std::remove(Data(9).c_str());
-    ASSERT_TRUE(c[0] == "none" || writeFile(Data(9), hex(c[0])));
+    std::remove(cache.data(9).c_str());
+    ASSERT_TRUE(c[0] == "none" || writeFile(cache.data(9), hex(c[0])));
     FontInfo info;
     info.SetInfoIndex(9);
     auto* metrics = new CharMetricsInfo();
@@ -200,9 +198,9 @@ TEST_F(FontInfoSerializerTest, DataFileLines) {
     }
     EXPECT_EQ(answer, c[2] + " ");
     if (c[3] == "same") {
-      std::remove(Data(9).c_str());
+      std::remove(cache.data(9).c_str());
       ASSERT_TRUE(serializer.WriteData(info));
-      EXPECT_EQ(kelfont_test::escape(readFile(Data(9))), kelfont_test::escape(hex(c[0])));
+      EXPECT_EQ(kelfont_test::escape(readFile(cache.data(9))), kelfont_test::escape(hex(c[0])));
     }
   }
   // No tables: no file; an advance table without entries: 128 empty slots.
@@ -213,10 +211,10 @@ TEST_F(FontInfoSerializerTest, DataFileLines) {
   info.SetCharMetricsInfo(new CharMetricsInfo());
   EXPECT_TRUE(serializer.WriteData(info));
   EXPECT_TRUE(serializer.IsDataFile(info));
-  EXPECT_EQ(readFile(Data(3)), zeros(128));
+  EXPECT_EQ(readFile(cache.data(3)), zeros(128));
   std::string path = "prefix:";
   serializer.MakeFontInfoDataFilePath(info, path);
-  EXPECT_EQ(path, "prefix:" + Base() + "FInfo/Fdata/3");
+  EXPECT_EQ(path, "prefix:" + cache.base + "FInfo/Fdata/3");
 }
 
 // "%x %X" in the C locale, which the tests run in.
@@ -228,9 +226,11 @@ std::string directoryTime(time_t when) {
   return text;
 }
 
-TEST_F(FontInfoSerializerTest, DirectoryTimesAMissingDirectoryAndTwelveDirectories) {
-  std::vector<std::string> paths = {dir_.file("fonts1"), dir_.file("missing"), dir_.file("fonts3")};
-  for (int i = 0; i < 12; ++i) paths.push_back(dir_.file("d" + std::to_string(i)));
+TEST(FontInfoSerializer, DirectoryTimesAMissingDirectoryAndTwelveDirectories) {
+  Cache cache;
+  std::vector<std::string> paths = {cache.dir.file("fonts1"), cache.dir.file("missing"),
+                                    cache.dir.file("fonts3")};
+  for (int i = 0; i < 12; ++i) paths.push_back(cache.dir.file("d" + std::to_string(i)));
   for (const std::string& path : paths) {
     ASSERT_TRUE(path == paths[1] || mkdir(path.c_str(), 0755) == 0);
   }
@@ -244,12 +244,12 @@ TEST_F(FontInfoSerializerTest, DirectoryTimesAMissingDirectoryAndTwelveDirectori
   Directories twelve;
   for (size_t i = 3; i < paths.size(); ++i) twelve.push_back(&paths[i]);
   Infos list;
-  ASSERT_TRUE(FontInfoSerializer(Base()).Write(list, three));
+  ASSERT_TRUE(FontInfoSerializer(cache.base).Write(list, three));
   const std::string t1 = directoryTime(1700000000), t3 = directoryTime(1600000000);
   ASSERT_EQ(t1.size(), 17u);
-  EXPECT_EQ(readFile(Table()),
+  EXPECT_EQ(readFile(cache.table),
             kHeader.substr(0, 26) + "00290311" + t1 + "11" + t3 + "\n" + kHeader.substr(33));
-  FontInfoSerializer serializer(Base());
+  FontInfoSerializer serializer(cache.base);
   ASSERT_TRUE(serializer.ReadHeader());
   EXPECT_EQ(serializer.GetFontDirectoryTimes(), (std::vector<std::string>{t1, t3}));
   EXPECT_TRUE(serializer.IsModified(three));
@@ -258,30 +258,31 @@ TEST_F(FontInfoSerializerTest, DirectoryTimesAMissingDirectoryAndTwelveDirectori
   EXPECT_TRUE(serializer.IsModified(existing));
 
   // Twelve directories are counted in hex ("0c") and read as none.
-  ASSERT_TRUE(FontInfoSerializer(Base()).Write(list, twelve));
-  EXPECT_EQ(readFile(Table()).substr(26, 6),
+  ASSERT_TRUE(FontInfoSerializer(cache.base).Write(list, twelve));
+  EXPECT_EQ(readFile(cache.table).substr(26, 6),
             "00e70c");  // 2 + 12 * 19 + 1 bytes
-  FontInfoSerializer many(Base());
+  FontInfoSerializer many(cache.base);
   ASSERT_TRUE(many.ReadHeader());
   EXPECT_TRUE(many.GetFontDirectoryTimes().empty());
   EXPECT_TRUE(many.IsModified(twelve));
 }
 
-TEST_F(FontInfoSerializerTest, TruncatedTablesKeepTheRecordsThatParseAndGarbageGivesNone) {
-  FontInfoSerializer serializer(Base());
+TEST(FontInfoSerializer, TruncatedTablesKeepTheRecordsThatParseAndGarbageGivesNone) {
+  Cache cache;
+  FontInfoSerializer serializer(cache.base);
   FontInfo full, blank;
   std::string record = cases("font_records.tsv")[0][1];
   ASSERT_TRUE(serializer.Read(full, record));
   Infos two = {&full, &blank};
   Directories none;
   ASSERT_TRUE(serializer.Write(two, none));
-  const std::string table = readFile(Table());
+  const std::string table = readFile(cache.table);
   const size_t secondStart = table.find("0021011");
   ASSERT_NE(secondStart, std::string::npos);
   for (size_t cut = 1; cut <= table.size(); ++cut) {
-    ASSERT_TRUE(writeFile(Table(), table.substr(0, cut)));
+    ASSERT_TRUE(writeFile(cache.table, table.substr(0, cut)));
     Infos list;
-    bool read = FontInfoSerializer(Base()).Read(list);
+    bool read = FontInfoSerializer(cache.base).Read(list);
     size_t expected = cut < secondStart ? 0 : cut < table.size() ? 1 : 2;
     EXPECT_EQ(list.size(), expected) << cut;
     EXPECT_EQ(read, expected > 0) << cut;
@@ -290,8 +291,8 @@ TEST_F(FontInfoSerializerTest, TruncatedTablesKeepTheRecordsThatParseAndGarbageG
   for (const std::string& garbage :
        {std::string(64, 'f'), kHeader + "ffff" + table.substr(kHeader.size() + 4),
         std::string("0016ffTable Version 2.054\n"), std::string()}) {
-    ASSERT_TRUE(writeFile(Table(), garbage));
-    FontInfoSerializer reader(Base());
+    ASSERT_TRUE(writeFile(cache.table, garbage));
+    FontInfoSerializer reader(cache.base);
     EXPECT_TRUE(reader.IsTableExists());
     // What the caller's list already held does not count as read.
     Infos list{&blank};
@@ -304,10 +305,11 @@ TEST_F(FontInfoSerializerTest, TruncatedTablesKeepTheRecordsThatParseAndGarbageG
 // round-trips and reads as nothing once cut. A part that refuses to write
 // (a reversed range) fails the write and leaves the previous file as it was;
 // so does a folder in the file's place: no mode (and no user) can write it.
-TEST_F(FontInfoSerializerTest, MissingRefusedAndBlockedFiles) {
-  FontInfoSerializer serializer(Base() + "cache/");
+TEST(FontInfoSerializer, MissingRefusedAndBlockedFiles) {
+  Cache cache;
+  FontInfoSerializer serializer(cache.base + "cache/");
   struct stat status;
-  EXPECT_EQ(stat(dir_.file("cache/FInfo/Fdata").c_str(), &status), 0);
+  EXPECT_EQ(stat(cache.dir.file("cache/FInfo/Fdata").c_str(), &status), 0);
   EXPECT_FALSE(serializer.IsTableExists());
   EXPECT_FALSE(serializer.ReadHeader());
   Infos list;
@@ -328,7 +330,8 @@ TEST_F(FontInfoSerializerTest, MissingRefusedAndBlockedFiles) {
   EXPECT_EQ(read.GetFontIndex(0x41), 3);
   EXPECT_EQ(read.GetFontIndex(0xAC00), 1);
   EXPECT_EQ(read.GetFontIndex(0xAC01), -1);
-  const std::string dataPath = dir_.file("cache/FInfo/Fdata/1"), fi = dir_.file("cache/FInfo/fi");
+  const std::string dataPath = cache.dir.file("cache/FInfo/Fdata/1"),
+                    fi = cache.dir.file("cache/FInfo/fi");
   const std::string data = readFile(dataPath), fiBytes = readFile(fi);
   metrics->SetCharMetricsRange(5, new SingleCharMetricsRange(10, 5));
   defaults.SetDefaultFontRange(5, new SingleDefaultFontRange(10, 5));
@@ -340,10 +343,10 @@ TEST_F(FontInfoSerializerTest, MissingRefusedAndBlockedFiles) {
   EXPECT_FALSE(serializer.ReadDefaultFontInfo(damaged));
   EXPECT_EQ(damaged.GetFontIndex(0x41), -1);
 
-  FontInfoSerializer blocked(Base() + "blocked/");
+  FontInfoSerializer blocked(cache.base + "blocked/");
   info.SetInfoIndex(2);
   for (const char* name : {"blocked/FInfo/Fdata/2", "blocked/FInfo/Ftable", "blocked/FInfo/fi"}) {
-    ASSERT_EQ(mkdir(dir_.file(name).c_str(), 0755), 0);
+    ASSERT_EQ(mkdir(cache.dir.file(name).c_str(), 0755), 0);
   }
   DefaultFontInfo empty;
   EXPECT_FALSE(blocked.WriteData(info));

@@ -1,6 +1,9 @@
-// A font table driven by the steps of tests/data/font_tables.tsv.
+// A font table, and the style slots of one font, driven by the steps of
+// tests/data/font_tables.tsv.
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -18,6 +21,7 @@
 namespace {
 
 using qro_common::FontInfo;
+using qro_common::StyledFontInfoList;
 
 std::vector<std::string> split(const std::string& text, char separator) {
   std::vector<std::string> out;
@@ -74,7 +78,20 @@ bool load(qro_common::FontTable& table, const std::string& base, const std::stri
   return written && table.LoadFontInfo(reader);
 }
 
-std::string step(qro_common::FontTable& table, const std::string& s, const std::string& base) {
+std::string slots(const StyledFontInfoList& l,
+                  const std::function<std::string(const FontInfo*)>& at) {
+  return "R" + at(l.GetRegular()) + " B" + at(l.GetBold()) + " I" + at(l.GetItalic()) + " BI" +
+         at(l.GetBoldItalic()) + " D" + at(l.GetDefault());
+}
+
+struct State {
+  qro_common::FontTable table;
+  std::unique_ptr<StyledFontInfoList> list;      // the slots of a font alone
+  std::vector<std::unique_ptr<FontInfo>> faces;  // the faces made for it
+};
+
+std::string step(State& state, const std::string& s, const std::string& base) {
+  qro_common::FontTable& table = state.table;
   const std::string rest = s.substr(1);
   const int n = rest.empty() || !(isdigit(rest[0]) || rest[0] == '-') ? 0 : std::stoi(rest);
   FontInfo* info = table.GetFontInfo(n);
@@ -106,11 +123,26 @@ std::string step(qro_common::FontTable& table, const std::string& s, const std::
     return flags.empty() ? "-" : flags;
   }
   if (op == 'l') {
-    const qro_common::StyledFontInfoList* l = table.GetStyledFontInfoList(n);
-    return "R" + index(table, l->GetRegular()) + " B" + index(table, l->GetBold()) + " I" +
-           index(table, l->GetItalic()) + " BI" + index(table, l->GetBoldItalic()) + " D" +
-           index(table, l->GetDefault());
+    return slots(*table.GetStyledFontInfoList(n),
+                 [&table](const FontInfo* f) { return index(table, f); });
   }
+  if (op == 's') {
+    auto made = [&state](const FontInfo* info) {
+      for (size_t i = 0; i < state.faces.size(); ++i) {
+        if (state.faces[i].get() == info) return std::to_string(i);
+      }
+      return std::string("-");
+    };
+    if (rest.empty()) return slots(*state.list, made);
+    if (isdigit(static_cast<unsigned char>(rest[0]))) state.list.reset(new StyledFontInfoList(n));
+    if (rest[0] == '+' || rest[0] == '?') state.faces.emplace_back(face(rest.substr(1)));
+    if (rest[0] == '+') return std::to_string(state.list->InformFontInfo(*state.faces.back()));
+    if (rest[0] == '?') return "?" + made(state.list->FindFontInfo(*state.faces.back()));
+    if (rest[0] == '!') state.list->ConfirmDefaultFontInfo();
+    return rest == "!" || rest == "=" ? rest + made(state.list->GetDefault()) : ".";
+  }
+  if (op == 'b') return std::to_string(StyledFontInfoList::IsBoldStyle(rest));
+  if (op == 'i') return std::to_string(StyledFontInfoList::IsItalicStyle(rest));
   auto has = [&rest](char c) { return rest.find(c) != std::string::npos; };
   if (op == 'v') return index(table, table.ResolveFontInfo(n, has('b'), has('i'), has('a')));
   if (op == 'g') {
@@ -130,7 +162,7 @@ std::string step(qro_common::FontTable& table, const std::string& s, const std::
   if (op == 'u') table.UpdateModifiedFontInfoState();
   if (op == 'k') table.ClearCacheInfo();
   if (op == 'D') table.ConfirmStyledFontInfoListDefaultFontInfo();
-  if (op == 'B') table.SetStyledFontInfoList(0, new qro_common::StyledFontInfoList(0));
+  if (op == 'B') table.SetStyledFontInfoList(0, new StyledFontInfoList(0));
   if (op == 'B') table.BuildFont();
   if (op == 'm') {
     info->SetCharMetricsInfo(new qro_common::CharMetricsInfo());
@@ -143,10 +175,10 @@ std::string step(qro_common::FontTable& table, const std::string& s, const std::
 TEST(FontTable, Steps) {
   kelfont_test::TempDir dir;
   for (const kelfont_test::Case& c : kelfont_test::cases("font_tables.tsv")) {
-    qro_common::FontTable table;
+    State state;
     std::string said;
     for (const std::string& s : split(c[0], '|')) {
-      said += (said.empty() ? "" : " ") + step(table, s, dir.path() + "/");
+      said += (said.empty() ? "" : " ") + step(state, s, dir.path() + "/");
     }
     EXPECT_EQ(said, c[1]) << c.line;
   }
