@@ -140,10 +140,12 @@ void expectAnswers(const std::string& name, const std::function<std::string(cons
 }
 
 void expectCalls(const Case& c, size_t calls, const Call& call) {
-  std::istringstream in(c[calls]);
-  std::ostringstream said;
-  for (std::string op; in >> op; said << ' ') call(expand(op), said);
-  EXPECT_EQ(runs(said.str()), c.raw(c.fields.size() - 1) + " ") << c.line;
+  const std::string said = answers(c[calls], [&](const std::string& op) {
+    std::ostringstream out;
+    call(expand(op), out);
+    return out.str();
+  });
+  EXPECT_EQ(runs(said), c.raw(c.fields.size() - 1)) << c.line;
 }
 
 }  // namespace kelfont_test
@@ -169,7 +171,8 @@ std::string answers(const std::string& calls,
                     const std::function<std::string(const std::string&)>& call) {
   std::istringstream tokens(calls);
   std::string out;
-  for (std::string token; tokens >> token;) out += (out.empty() ? "" : " ") + call(token);
+  for (std::string token; tokens >> token; out += ' ') out += call(token);
+  if (!out.empty()) out.pop_back();
   return out;
 }
 

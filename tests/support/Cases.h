@@ -37,7 +37,7 @@ const char* orNull(const std::string& text);
 // Each case of tests/data/NAME against `answer`: its last field is what it answers.
 void expectAnswers(const std::string& name, const std::function<std::string(const Case&)>& answer);
 // A script of calls: each blank-separated call of field `calls` (expanded) goes to `call`, which
-// writes its answer; the answers, one blank after each, with runs() taken, are the case's last
+// writes its answer; the answers as answers() joins them, with runs() taken, are the case's last
 // field as written.
 using Call = std::function<void(const std::string& call, std::ostream& said)>;
 void expectCalls(const Case& c, size_t calls, const Call& call);
