@@ -148,10 +148,6 @@ void expectCalls(const Case& c, size_t calls, const Call& call) {
   EXPECT_EQ(runs(said), c.raw(c.fields.size() - 1)) << c.line;
 }
 
-}  // namespace kelfont_test
-
-namespace kelfont_test {
-
 std::vector<std::string> callFields(const std::string& token, size_t count) {
   std::vector<std::string> fields;
   std::istringstream parts(token);

@@ -42,13 +42,6 @@ void expectAnswers(const std::string& name, const std::function<std::string(cons
 using Call = std::function<void(const std::string& call, std::ostream& said)>;
 void expectCalls(const Case& c, size_t calls, const Call& call);
 
-}  // namespace kelfont_test
-
-// Script calls, shared by the runners of calls.
-#include <functional>
-
-namespace kelfont_test {
-
 // The fields of a script call "OP,FIELD,...", split at commas ("_" in them
 // stands for a space), at least `count` of them.
 std::vector<std::string> callFields(const std::string& token, size_t count = 6);
