@@ -65,10 +65,7 @@ std::string reference(const std::string& token) {
                        (plus == std::string::npos ? 0 : std::stol(token.substr(plus)));
   const long em = face->units_per_EM;
   FT_Done_FreeType(library);
-  char text[32];
-  std::snprintf(text, sizeof text, "%.6g",
-                token[0] == '=' ? double(advance) : double(float(advance) / float(em)));
-  return text;
+  return number(token[0] == '=' ? double(advance) : double(float(advance) / float(em)));
 }
 
 std::string le(unsigned value, int size) {
@@ -295,9 +292,10 @@ std::string Script::call(const std::string& token) {
       return facade->GetKerningInfo(font, false, false, l, r, delta) == 0 ? delta : -9999;
     });
   }
-  if (op == "tail") {  // the last N bytes (none of them white space)
+  if (op == "bytes") {  // N bytes from AT (from the end when negative)
     const std::string bytes = readFile(file(a[1]));
-    return bytes.substr(bytes.size() - std::min(bytes.size(), std::stoul(a[2])));
+    const long at = std::stol(a[2]);
+    return spaced(bytes.substr(at < 0 ? bytes.size() + at : at, std::stoul(a[3])));
   }
   if (op == "kerned") {  // the kept file, its empty kerning part and "left" flag now gposPairs()
     const auto pairs = gposPairs();
@@ -336,11 +334,6 @@ std::string Script::call(const std::string& token) {
                    writeFile(file("Fdata/999"), "stale")
                ? "."
                : "!";
-  }
-  if (op == "header") {
-    std::string header = readFile(file("Ftable")).substr(0, 25);
-    std::replace(header.begin(), header.end(), ' ', '_');
-    return header;
   }
   if (op == "touch") {
     const std::string& dir = dirs[std::stoul(a[1])];

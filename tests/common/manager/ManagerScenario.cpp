@@ -60,6 +60,17 @@ void buildPackage(const std::string& directory) {
 
 }  // namespace
 
+std::string number(double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.6g", value);
+  return text;
+}
+
+std::string spaced(std::string text) {
+  std::replace(text.begin(), text.end(), ' ', '_');
+  return text;
+}
+
 std::string packageFontName(int n) { return (n < 10 ? "Pkg0" : "Pkg") + std::to_string(n); }
 
 const Scenario& Scenario::get() {
@@ -113,12 +124,6 @@ int fontOf(const qro_common::FontManager& manager, const std::string& field) {
   return manager.GetFontIndex(name);
 }
 
-std::string number(double value) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.6g", value);
-  return text;
-}
-
 // A path's commands as written: the command's letter, then its points.
 struct RecordingPath : qro_graphics::Path {
   std::string out;
@@ -134,11 +139,6 @@ struct RecordingPath : qro_graphics::Path {
     add('C', {a, b, c, d, x, y});
   }
 };
-
-std::string spaced(std::string text) {
-  std::replace(text.begin(), text.end(), ' ', '_');
-  return text;
-}
 
 // A face: its file when it has one, else its font name.
 std::string faceOf(const qro_common::FontInfo* info) {

@@ -50,6 +50,10 @@ struct ManagerRig {
 ManagerRig start(const std::string& storage, const std::vector<std::string>& directories,
                  bool package = true);
 
+// A number as "%.6g" writes it; a text with its spaces as "_".
+std::string number(double value);
+std::string spaced(std::string text);
+
 // One query of tests/data/manager_scripts.tsv (its header lists them) and
 // the answer; safe to call from several threads at once.
 std::string ask(qro_common::FontManager& manager, const std::string& token);
