@@ -53,17 +53,7 @@ std::string Door::call(const std::string& token) {
   if (op == "init") return std::to_string(InitFontManager(path(1), path(2)));
   if (op == "dirs") return directories(global);
   if (op == "storage") return global == nullptr ? "none" : global->GetStoragePath();
-  if (op == "log") {  // the lines since the last look: priority:tag:message
-    std::string out;
-    for (kelfont_test::LogLine line : log.lines()) {
-      for (char& c : line.message)
-        c = std::isdigit(static_cast<unsigned char>(c)) ? '9' : c == ' ' ? '_' : c;
-      out += (out.empty() ? "" : "|") + std::to_string(line.priority) + ":" + line.tag + ":" +
-             line.message;
-    }
-    log.clear();
-    return out.empty() ? "-" : out;
-  }
+  if (op == "log") return log.taken();  // priority:tag:message
   if (op == "Wx") return std::to_string(facade->InitExtracter());
   if (op == "Wser") return std::to_string(facade->InitFontInfoSerializer());
   if (op == "Wtable") return std::to_string(facade->InitFontTable());

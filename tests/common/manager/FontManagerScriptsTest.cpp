@@ -150,7 +150,6 @@ struct Script {
   std::unique_ptr<FileSizeLimit> limit;
   std::unique_ptr<CKelFontWidth> facade;
   LogCapture log;
-  std::size_t logSeen = 0;
   unsigned long opens = qro_common::FontFileAnalyzer::GetOpenCount();
   std::map<std::string, std::pair<std::string, fs::file_time_type>> kept;
 
@@ -209,20 +208,7 @@ std::string Script::call(const std::string& token) {
     const unsigned long now = qro_common::FontFileAnalyzer::GetOpenCount();
     return std::to_string(now - std::exchange(opens, now));
   }
-  if (op == "log") {  // lines since the last look that hold the word, and the last of them
-    const std::vector<std::string> lines = log.messages();
-    std::string last;
-    int count = 0;
-    for (std::size_t i = std::exchange(logSeen, lines.size()); i < lines.size(); ++i) {
-      if (lines[i].find(a[1]) == std::string::npos) continue;
-      ++count;
-      last = lines[i];
-    }
-    const std::size_t at = last.find(storage);
-    if (at != std::string::npos) last.replace(at, storage.size(), "$");
-    for (char& c : last) c = std::isdigit(static_cast<unsigned char>(c)) ? '9' : c == ' ' ? '_' : c;
-    return std::to_string(count) + ":" + last;
-  }
+  if (op == "log") return log.taken(a[1], storage);
   if (op == "exists") return std::to_string(fs::exists(file(a[1])));
   if (op == "keep") {
     if (a[1] != "*" && !fs::exists(file(a[1]))) return "missing";
