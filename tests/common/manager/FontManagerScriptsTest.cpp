@@ -293,13 +293,10 @@ std::string Script::call(const std::string& token) {
         old.substr(0, old.size() - 24) + bytes + le(0, 4) + old.substr(old.size() - 16);
     return readFile(file(a[1])) == now ? "ok" : "differs";
   }
-  if (op == "cut") {
-    const std::string bytes = readFile(file(a[1]));
-    return writeFile(file(a[1]), bytes.substr(0, bytes.size() / 2)) ? "." : "!";
-  }
-  if (op == "flip") {  // one byte of a cache file changed
+  if (op == "spoil") {  // halved, or with the byte at OFFSET changed
     std::string bytes = readFile(file(a[1]));
-    bytes[std::stoul(a[2])] ^= 1;
+    if (a[2].empty()) bytes.resize(bytes.size() / 2);
+    if (!a[2].empty()) bytes[std::stoul(a[2])] ^= 1;
     return writeFile(file(a[1]), bytes) ? "." : "!";
   }
   if (op == "fx") {  // "fx" holds the mark of "fi", then the codes given, each a run of FONT
@@ -314,12 +311,10 @@ std::string Script::call(const std::string& token) {
                : "differs";
   }
   if (op == "version") {  // the table of another version, and a stale data file
-    std::string table = readFile(file("Ftable"));
-    if (table.compare(0, 26, "001613Table Version 2.054\n") != 0) return "!";
-    return writeFile(file("Ftable"), table.replace(20, 5, "1.000")) &&
-                   writeFile(file("Fdata/999"), "stale")
-               ? "."
-               : "!";
+    const std::string table = readFile(file("Ftable"));
+    const bool written =
+        writeFile(file("Ftable"), table.substr(0, 20) + "1.000" + table.substr(25));
+    return written && writeFile(file("Fdata/999"), "stale") ? "." : "!";
   }
   if (op == "touch") {
     const std::string& dir = dirs[std::stoul(a[1])];
