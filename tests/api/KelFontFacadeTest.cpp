@@ -4,9 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <sstream>
 #include <stdexcept>
 
 #include "common/font_info/CharMetrics.h"
