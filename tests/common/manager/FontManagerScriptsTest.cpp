@@ -174,11 +174,8 @@ struct Script {
   // without its font folder times.
   std::pair<std::string, fs::file_time_type> contents(const std::string& name) {
     if (name != "*") return {readFile(file(name)), fs::last_write_time(file(name))};
-    std::map<std::string, std::string> files;
-    for (const auto& entry : fs::recursive_directory_iterator(storage + "FInfo")) {
-      if (entry.is_regular_file()) files[entry.path().string()] = readFile(entry.path().string());
-    }
-    std::string& table = files[file("Ftable")];
+    std::map<std::string, std::string> files = readFiles(storage + "FInfo");
+    std::string& table = files["Ftable"];
     table.erase(26, 4 + std::stoul(table.substr(26, 4), nullptr, 16));
     std::string all;
     for (const auto& [path, bytes] : files) all += path + "\n" + bytes;
