@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
@@ -61,11 +60,7 @@ std::string Door::call(const std::string& token) {
     int advance = 0;
     return std::to_string(facade->GetFontCharInfo(std::stoi(a[1]), 'A', false, false, advance));
   }
-  if (op == "Wadj") {
-    char text[32];
-    std::snprintf(text, sizeof text, "%g", facade->AdjustAdvanceRatio(-1, std::stof(a[1])));
-    return text;
-  }
+  if (op == "Wadj") return kelfont_test::number(facade->AdjustAdvanceRatio(-1, std::stof(a[1])));
   if (op == "probe") return kelfont_test::writeFile(a[1], "x") ? "." : "!";
   if (op == "Ddirs") return directories(own.get());
   if (op == "Dstorage") return own->GetStoragePath().empty() ? "-" : own->GetStoragePath();

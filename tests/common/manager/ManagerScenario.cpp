@@ -59,12 +59,6 @@ void buildPackage(const std::string& directory) {
 
 }  // namespace
 
-std::string number(double value) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.6g", value);
-  return text;
-}
-
 std::string spaced(std::string text) {
   std::replace(text.begin(), text.end(), ' ', '_');
   return text;

@@ -50,8 +50,7 @@ struct ManagerRig {
 ManagerRig start(const std::string& storage, const std::vector<std::string>& directories,
                  bool package = true);
 
-// A number as "%.6g" writes it; a text with its spaces as "_".
-std::string number(double value);
+// A text with its spaces as "_".
 std::string spaced(std::string text);
 
 // One query of tests/data/manager_scripts.tsv (its header lists them) and
