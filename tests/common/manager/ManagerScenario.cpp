@@ -1,7 +1,6 @@
 #include "tests/common/manager/ManagerScenario.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <stdexcept>
 
@@ -162,9 +161,7 @@ std::string ask(qro_common::FontManager& m, const std::string& token) {
     int found = font;
     unsigned ch = codeOf(a[2]);
     const bool substituted = m.ConfirmVisibleChar(found, ch, bold, italic);
-    char hex[16];
-    std::snprintf(hex, sizeof hex, ":%X", ch);
-    return name(found) + hex + (substituted ? "*" : "");
+    return name(found) + ":" + hex(ch).substr(2) + (substituted ? "*" : "");
   }
   if (op == "g") {
     const int script = a[4].empty() ? -1 : std::stoi(a[4]);
