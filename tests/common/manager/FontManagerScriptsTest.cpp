@@ -6,7 +6,6 @@
 #include <unistd.h>
 #include FT_FREETYPE_H
 
-#include <algorithm>
 #include <cctype>
 #include <cstdint>
 #include <cstdlib>
@@ -331,8 +330,7 @@ std::string Script::call(const std::string& token) {
   }
   const std::string path = folder + "/" + a[1];
   if (op == "font") {  // a copy of a generated font, cut short or with bytes replaced
-    std::string source = a[2];
-    std::replace(source.begin(), source.end(), ' ', '_');
+    const std::string source = spaced(a[2]);
     std::string bytes = source.empty()     ? ""
                         : source[0] == '/' ? readFile(source)
                                            : readFile(testFontPath(source));
