@@ -31,16 +31,6 @@ using qro_common::FontInfo;
 // The styles of "KelTest Basic": regular, bold, italic.
 const char* const kFiles[] = {"basic.ttf", "bold.ttf", "italic.ttf"};
 
-// Every file under base + "FInfo/" by its path below `base`.
-std::map<std::string, std::string> files(const std::string& base) {
-  std::map<std::string, std::string> out;
-  for (const auto& entry : fs::recursive_directory_iterator(base + "FInfo")) {
-    if (entry.is_regular_file())
-      out[entry.path().lexically_relative(base).string()] = kelfont_test::readFile(entry.path());
-  }
-  return out;
-}
-
 TEST(CacheKill, AKilledWriterLeavesTheOldOrTheNewCacheWhole) {
   kelfont_test::TempDir root;
   const std::string fonts = root.file("fonts") + "/", none = root.file("none") + "/";
@@ -74,9 +64,9 @@ TEST(CacheKill, AKilledWriterLeavesTheOldOrTheNewCacheWhole) {
   auto started = std::chrono::steady_clock::now();
   for (int v = 0; v < 2; ++v) {
     write(root.file("variant" + std::to_string(v)) + "/", v);
-    variants[v] = files(root.file("variant" + std::to_string(v)) + "/");
+    variants[v] = kelfont_test::readFiles(root.file("variant" + std::to_string(v)) + "/FInfo");
   }
-  ASSERT_NE(variants[0]["FInfo/Ftable"], variants[1]["FInfo/Ftable"]);
+  ASSERT_NE(variants[0]["Ftable"], variants[1]["Ftable"]);
   // Kills fall anywhere in the writer's first two rounds, whatever the disk.
   const auto elapsed = std::chrono::steady_clock::now() - started;
   const long round = std::chrono::duration_cast<std::chrono::microseconds>(elapsed).count() / 2;
@@ -112,14 +102,14 @@ TEST(CacheKill, AKilledWriterLeavesTheOldOrTheNewCacheWhole) {
     // Every file is there, old or new; a temporary file shows a write cut short.
     bool halfWritten = false;
     size_t whole = 0;
-    for (const auto& [name, bytes] : files(storage)) {
+    for (const auto& [name, bytes] : kelfont_test::readFiles(storage + "FInfo")) {
       if (name.find(".tmp") != std::string::npos) {
         halfWritten = true;
         continue;
       }
       ++whole;
       EXPECT_TRUE(bytes == variants[0][name] || bytes == variants[1][name]) << name;
-      newTables += name == "FInfo/Ftable" && bytes == variants[1][name];
+      newTables += name == "Ftable" && bytes == variants[1][name];
     }
     EXPECT_EQ(whole, variants[0].size());
     killedMidWrite += halfWritten ? 1 : 0;

@@ -4,9 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -53,17 +51,7 @@ std::string Door::call(const std::string& token) {
   if (op == "init") return std::to_string(InitFontManager(path(1), path(2)));
   if (op == "dirs") return directories(global);
   if (op == "storage") return global == nullptr ? "none" : global->GetStoragePath();
-  if (op == "log") {  // the lines since the last look: priority:tag:message
-    std::string out;
-    for (kelfont_test::LogLine line : log.lines()) {
-      for (char& c : line.message)
-        c = std::isdigit(static_cast<unsigned char>(c)) ? '9' : c == ' ' ? '_' : c;
-      out += (out.empty() ? "" : "|") + std::to_string(line.priority) + ":" + line.tag + ":" +
-             line.message;
-    }
-    log.clear();
-    return out.empty() ? "-" : out;
-  }
+  if (op == "log") return log.taken();  // priority:tag:message
   if (op == "Wx") return std::to_string(facade->InitExtracter());
   if (op == "Wser") return std::to_string(facade->InitFontInfoSerializer());
   if (op == "Wtable") return std::to_string(facade->InitFontTable());
@@ -72,11 +60,7 @@ std::string Door::call(const std::string& token) {
     int advance = 0;
     return std::to_string(facade->GetFontCharInfo(std::stoi(a[1]), 'A', false, false, advance));
   }
-  if (op == "Wadj") {
-    char text[32];
-    std::snprintf(text, sizeof text, "%g", facade->AdjustAdvanceRatio(-1, std::stof(a[1])));
-    return text;
-  }
+  if (op == "Wadj") return kelfont_test::number(facade->AdjustAdvanceRatio(-1, std::stof(a[1])));
   if (op == "probe") return kelfont_test::writeFile(a[1], "x") ? "." : "!";
   if (op == "Ddirs") return directories(own.get());
   if (op == "Dstorage") return own->GetStoragePath().empty() ? "-" : own->GetStoragePath();

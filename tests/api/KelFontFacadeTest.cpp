@@ -4,9 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -87,12 +84,8 @@ std::string call(const std::string& token, const std::string& base) {
     return std::string(start != none ? "s" : "") + (end != none ? "e" : "") +
            (start <= end || end == none ? "" : "!");
   }
-  if (op == "a") {
-    char text[32];
-    std::snprintf(text, sizeof text, "%g",
-                  gKelFontWidth->AdjustAdvanceRatio(number(1), std::stof(a[2])));
-    return text;
-  }
+  if (op == "a")
+    return kelfont_test::number(gKelFontWidth->AdjustAdvanceRatio(number(1), std::stof(a[2])));
   if (op == "c") return charInfo(number(1), int(codeOf(a[2])), bold, italic);
   if (op == "e") {
     const int status = GetFontEmSquareFUnit(number(1), bold, italic, value);

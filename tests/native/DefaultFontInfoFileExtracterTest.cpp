@@ -5,7 +5,6 @@
 
 #include <cstdio>
 #include <map>
-#include <memory>
 #include <sstream>
 #include <string>
 

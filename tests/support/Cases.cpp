@@ -133,6 +133,12 @@ std::string hex(unsigned long long value) {
   return text;
 }
 
+std::string number(double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%g", value);
+  return text;
+}
+
 const char* orNull(const std::string& text) { return text == "NULL" ? nullptr : text.c_str(); }
 
 void expectAnswers(const std::string& name, const std::function<std::string(const Case&)>& answer) {

@@ -32,6 +32,8 @@ std::string expand(const std::string& text);
 std::string runs(const std::string& text);
 // "0x" and the value in upper-case hex digits.
 std::string hex(unsigned long long value);
+// The value as "%g" writes it.
+std::string number(double value);
 // Null for the text "NULL".
 const char* orNull(const std::string& text);
 // Each case of tests/data/NAME against `answer`: its last field is what it answers.

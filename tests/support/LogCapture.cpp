@@ -1,5 +1,7 @@
 #include "tests/support/LogCapture.h"
 
+#include <cctype>
+
 #include "base/Log.h"
 
 namespace kelfont_test {
@@ -29,6 +31,20 @@ std::vector<std::string> LogCapture::messages() const {
 void LogCapture::clear() {
   std::lock_guard<std::mutex> lock(mutex_);
   lines_.clear();
+}
+
+std::string LogCapture::taken(const std::string& word, const std::string& path) {
+  std::string out;
+  for (LogLine line : lines()) {
+    std::string& said = line.message;
+    if (said.find(word) == std::string::npos) continue;
+    for (std::size_t at; !path.empty() && (at = said.find(path)) != std::string::npos;)
+      said.replace(at, path.size(), "$");
+    for (char& c : said) c = std::isdigit(static_cast<unsigned char>(c)) ? '9' : c == ' ' ? '_' : c;
+    out += (out.empty() ? "" : "|") + std::to_string(line.priority) + ":" + line.tag + ":" + said;
+  }
+  clear();
+  return out.empty() ? "-" : out;
 }
 
 }  // namespace kelfont_test

@@ -24,6 +24,10 @@ class LogCapture {
   // Just the messages, in order.
   std::vector<std::string> messages() const;
   void clear();
+  // The lines since the last look (then forgotten) whose message holds `word`,
+  // each as "priority:tag:message", in the message `path` as "$", digits as 9
+  // and spaces as "_"; joined by "|", "-" when there are none.
+  std::string taken(const std::string& word = "", const std::string& path = "");
 
  private:
   static void hook(int priority, const char* tag, const char* message, void* context);

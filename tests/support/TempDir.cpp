@@ -39,4 +39,13 @@ std::string readFile(const std::string& path) {
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
+std::map<std::string, std::string> readFiles(const std::string& dir) {
+  std::map<std::string, std::string> files;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(dir)) {
+    if (entry.is_regular_file())
+      files[entry.path().lexically_relative(dir).string()] = readFile(entry.path().string());
+  }
+  return files;
+}
+
 }  // namespace kelfont_test

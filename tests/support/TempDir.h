@@ -2,6 +2,7 @@
 // A fresh directory under the system's temporary directory, removed with
 // everything in it when the object goes away.
 
+#include <map>
 #include <string>
 
 namespace kelfont_test {
@@ -25,5 +26,7 @@ class TempDir {
 // Whole-file helpers for tests.
 bool writeFile(const std::string& path, const std::string& bytes);
 std::string readFile(const std::string& path);
+// Every file under `dir`, by its path below `dir`.
+std::map<std::string, std::string> readFiles(const std::string& dir);
 
 }  // namespace kelfont_test

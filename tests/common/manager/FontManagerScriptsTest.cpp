@@ -6,10 +6,8 @@
 #include <unistd.h>
 #include FT_FREETYPE_H
 
-#include <algorithm>
 #include <cctype>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -65,10 +63,7 @@ std::string reference(const std::string& token) {
                        (plus == std::string::npos ? 0 : std::stol(token.substr(plus)));
   const long em = face->units_per_EM;
   FT_Done_FreeType(library);
-  char text[32];
-  std::snprintf(text, sizeof text, "%.6g",
-                token[0] == '=' ? double(advance) : double(float(advance) / float(em)));
-  return text;
+  return number(token[0] == '=' ? double(advance) : double(float(advance) / float(em)));
 }
 
 std::string le(unsigned value, int size) {
@@ -153,7 +148,6 @@ struct Script {
   std::unique_ptr<FileSizeLimit> limit;
   std::unique_ptr<CKelFontWidth> facade;
   LogCapture log;
-  std::size_t logSeen = 0;
   unsigned long opens = qro_common::FontFileAnalyzer::GetOpenCount();
   std::map<std::string, std::pair<std::string, fs::file_time_type>> kept;
 
@@ -179,11 +173,8 @@ struct Script {
   // without its font folder times.
   std::pair<std::string, fs::file_time_type> contents(const std::string& name) {
     if (name != "*") return {readFile(file(name)), fs::last_write_time(file(name))};
-    std::map<std::string, std::string> files;
-    for (const auto& entry : fs::recursive_directory_iterator(storage + "FInfo")) {
-      if (entry.is_regular_file()) files[entry.path().string()] = readFile(entry.path().string());
-    }
-    std::string& table = files[file("Ftable")];
+    std::map<std::string, std::string> files = readFiles(storage + "FInfo");
+    std::string& table = files["Ftable"];
     table.erase(26, 4 + std::stoul(table.substr(26, 4), nullptr, 16));
     std::string all;
     for (const auto& [path, bytes] : files) all += path + "\n" + bytes;
@@ -212,20 +203,7 @@ std::string Script::call(const std::string& token) {
     const unsigned long now = qro_common::FontFileAnalyzer::GetOpenCount();
     return std::to_string(now - std::exchange(opens, now));
   }
-  if (op == "log") {  // lines since the last look that hold the word, and the last of them
-    const std::vector<std::string> lines = log.messages();
-    std::string last;
-    int count = 0;
-    for (std::size_t i = std::exchange(logSeen, lines.size()); i < lines.size(); ++i) {
-      if (lines[i].find(a[1]) == std::string::npos) continue;
-      ++count;
-      last = lines[i];
-    }
-    const std::size_t at = last.find(storage);
-    if (at != std::string::npos) last.replace(at, storage.size(), "$");
-    for (char& c : last) c = std::isdigit(static_cast<unsigned char>(c)) ? '9' : c == ' ' ? '_' : c;
-    return std::to_string(count) + ":" + last;
-  }
+  if (op == "log") return log.taken(a[1], storage);
   if (op == "exists") return std::to_string(fs::exists(file(a[1])));
   if (op == "keep") {
     if (a[1] != "*" && !fs::exists(file(a[1]))) return "missing";
@@ -295,9 +273,10 @@ std::string Script::call(const std::string& token) {
       return facade->GetKerningInfo(font, false, false, l, r, delta) == 0 ? delta : -9999;
     });
   }
-  if (op == "tail") {  // the last N bytes (none of them white space)
+  if (op == "bytes") {  // N bytes from AT (from the end when negative)
     const std::string bytes = readFile(file(a[1]));
-    return bytes.substr(bytes.size() - std::min(bytes.size(), std::stoul(a[2])));
+    const long at = std::stol(a[2]);
+    return spaced(bytes.substr(at < 0 ? bytes.size() + at : at, std::stoul(a[3])));
   }
   if (op == "kerned") {  // the kept file, its empty kerning part and "left" flag now gposPairs()
     const auto pairs = gposPairs();
@@ -309,13 +288,10 @@ std::string Script::call(const std::string& token) {
         old.substr(0, old.size() - 24) + bytes + le(0, 4) + old.substr(old.size() - 16);
     return readFile(file(a[1])) == now ? "ok" : "differs";
   }
-  if (op == "cut") {
-    const std::string bytes = readFile(file(a[1]));
-    return writeFile(file(a[1]), bytes.substr(0, bytes.size() / 2)) ? "." : "!";
-  }
-  if (op == "flip") {  // one byte of a cache file changed
+  if (op == "spoil") {  // halved, or with the byte at OFFSET changed
     std::string bytes = readFile(file(a[1]));
-    bytes[std::stoul(a[2])] ^= 1;
+    if (a[2].empty()) bytes.resize(bytes.size() / 2);
+    if (!a[2].empty()) bytes[std::stoul(a[2])] ^= 1;
     return writeFile(file(a[1]), bytes) ? "." : "!";
   }
   if (op == "fx") {  // "fx" holds the mark of "fi", then the codes given, each a run of FONT
@@ -330,17 +306,10 @@ std::string Script::call(const std::string& token) {
                : "differs";
   }
   if (op == "version") {  // the table of another version, and a stale data file
-    std::string table = readFile(file("Ftable"));
-    if (table.compare(0, 26, "001613Table Version 2.054\n") != 0) return "!";
-    return writeFile(file("Ftable"), table.replace(20, 5, "1.000")) &&
-                   writeFile(file("Fdata/999"), "stale")
-               ? "."
-               : "!";
-  }
-  if (op == "header") {
-    std::string header = readFile(file("Ftable")).substr(0, 25);
-    std::replace(header.begin(), header.end(), ' ', '_');
-    return header;
+    const std::string table = readFile(file("Ftable"));
+    const bool written =
+        writeFile(file("Ftable"), table.substr(0, 20) + "1.000" + table.substr(25));
+    return written && writeFile(file("Fdata/999"), "stale") ? "." : "!";
   }
   if (op == "touch") {
     const std::string& dir = dirs[std::stoul(a[1])];
@@ -361,8 +330,7 @@ std::string Script::call(const std::string& token) {
   }
   const std::string path = folder + "/" + a[1];
   if (op == "font") {  // a copy of a generated font, cut short or with bytes replaced
-    std::string source = a[2];
-    std::replace(source.begin(), source.end(), ' ', '_');
+    const std::string source = spaced(a[2]);
     std::string bytes = source.empty()     ? ""
                         : source[0] == '/' ? readFile(source)
                                            : readFile(testFontPath(source));

@@ -1,9 +1,7 @@
 #include "tests/common/manager/ManagerScenario.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
-#include <sstream>
 #include <stdexcept>
 
 #include "common/font_info/CharMetrics.h"
@@ -60,6 +58,11 @@ void buildPackage(const std::string& directory) {
 
 }  // namespace
 
+std::string spaced(std::string text) {
+  std::replace(text.begin(), text.end(), ' ', '_');
+  return text;
+}
+
 std::string packageFontName(int n) { return (n < 10 ? "Pkg0" : "Pkg") + std::to_string(n); }
 
 const Scenario& Scenario::get() {
@@ -113,12 +116,6 @@ int fontOf(const qro_common::FontManager& manager, const std::string& field) {
   return manager.GetFontIndex(name);
 }
 
-std::string number(double value) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.6g", value);
-  return text;
-}
-
 // A path's commands as written: the command's letter, then its points.
 struct RecordingPath : qro_graphics::Path {
   std::string out;
@@ -134,11 +131,6 @@ struct RecordingPath : qro_graphics::Path {
     add('C', {a, b, c, d, x, y});
   }
 };
-
-std::string spaced(std::string text) {
-  std::replace(text.begin(), text.end(), ' ', '_');
-  return text;
-}
 
 // A face: its file when it has one, else its font name.
 std::string faceOf(const qro_common::FontInfo* info) {
@@ -169,9 +161,7 @@ std::string ask(qro_common::FontManager& m, const std::string& token) {
     int found = font;
     unsigned ch = codeOf(a[2]);
     const bool substituted = m.ConfirmVisibleChar(found, ch, bold, italic);
-    char hex[16];
-    std::snprintf(hex, sizeof hex, ":%X", ch);
-    return name(found) + hex + (substituted ? "*" : "");
+    return name(found) + ":" + hex(ch).substr(2) + (substituted ? "*" : "");
   }
   if (op == "g") {
     const int script = a[4].empty() ? -1 : std::stoi(a[4]);

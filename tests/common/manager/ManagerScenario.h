@@ -50,6 +50,9 @@ struct ManagerRig {
 ManagerRig start(const std::string& storage, const std::vector<std::string>& directories,
                  bool package = true);
 
+// A text with its spaces as "_".
+std::string spaced(std::string text);
+
 // One query of tests/data/manager_scripts.tsv (its header lists them) and
 // the answer; safe to call from several threads at once.
 std::string ask(qro_common::FontManager& manager, const std::string& token);
