@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-# Writes the test fonts of single features (below), then those described in
-# fonts.json beside this script, reading the latter back with fontTools into
-# expected_<stem>.txt (the values the tests compare with), and last the list
-# fonts.txt. README.txt tells the fonts and the records.
+# Writes the test fonts described in fonts.json beside this script, reading
+# them back with fontTools into expected_<stem>.txt (the values the tests
+# compare with), and last the list fonts.txt. README.txt tells the fonts and
+# the records.
 # Usage: /usr/bin/python3 gen_test_fonts.py OUTPUT_DIR
 import io
 import json
@@ -13,7 +13,7 @@ import sys
 
 try:
     from fontTools import varLib
-    from fontTools.designspaceLib import AxisDescriptor, DesignSpaceDocument, SourceDescriptor
+    from fontTools.designspaceLib import DesignSpaceDocument
     from fontTools.fontBuilder import FontBuilder
     from fontTools.pens.t2CharStringPen import T2CharStringPen
     from fontTools.pens.ttGlyphPen import TTGlyphPen
@@ -21,11 +21,10 @@ try:
     from fontTools.ttLib.sfnt import SFNTWriter
     from fontTools.ttLib.tables.DefaultTable import DefaultTable
     from fontTools.ttLib.tables.O_S_2f_2 import Panose
-    from fontTools.ttLib.tables._c_m_a_p import CmapSubtable
     from fontTools.ttLib.tables._f_v_a_r import NamedInstance
     from fontTools.ttLib.tables._g_l_y_f import USE_MY_METRICS
     from fontTools.ttLib.tables._k_e_r_n import KernTable_format_0
-    from fontTools.ttLib.tables._n_a_m_e import NameRecord
+    from fontTools.ttLib.tables._n_a_m_e import makeName
 except ImportError as error:
     sys.exit("gen_test_fonts.py: fontTools is missing (%s); install python3-fonttools "
              "(scripts/install-deps.sh)" % error)
@@ -52,16 +51,13 @@ SHAPES = {"rect": [[("l", 0), ("l", 700), ("r", 700), ("r", 0)]],
 def draw(pen, shape, advance):
     xs = {"l": 50, "r": advance - 50, "m": advance // 2, "l+": 150, "r-": advance - 150}
     for contour in SHAPES[shape]:
-        points = [(xs[x.rstrip("q")], y, x.endswith("q")) for x, y in contour]
-        pen.moveTo(points[0][:2])
-        i = 1
-        while i < len(points):
-            if points[i][2]:
-                pen.qCurveTo(points[i][:2], points[i + 1][:2])
-                i += 2
-            else:
-                pen.lineTo(points[i][:2])
-                i += 1
+        pen.moveTo((xs[contour[0][0]], contour[0][1]))
+        segment = []
+        for x, y in contour[1:]:  # a line, or off-curve points up to the next on-curve one
+            segment.append((xs[x.rstrip("q")], y))
+            if not x.endswith("q"):
+                pen.qCurveTo(*segment)
+                segment = []
         pen.closePath()
 
 
@@ -92,19 +88,17 @@ def make_font(d):
         names = ["uni%04X" % cp if cp <= 0xFFFF else "u%05X" % cp for cp in codes]
     order = [".notdef"] + names
     code_of = dict(zip(names, codes))
-    advance = {name: d["base"] + d["step"] * i for i, name in enumerate(order)}
-    fb.setupGlyphOrder(order)
     mapping = dict(zip(codes, names))
-    if d.get("cmap") == "symbol":
-        subtable = CmapSubtable.newSubtable(4)
-        subtable.platformID, subtable.platEncID, subtable.language = 3, 0, 0
-        subtable.cmap = mapping
-        fb.font["cmap"] = newTable("cmap")
-        fb.font["cmap"].tableVersion, fb.font["cmap"].tables = 0, [subtable]
-    else:
-        fb.setupCharacterMap(mapping)
+    advance = {name: d["base"] + d["step"] * i for i, name in enumerate(order)}
+    advance.update({mapping[int(c, 16)]: a for c, a in d.get("advances", {}).items()})
+    fb.setupGlyphOrder(order)
+    mapping.update({int(c, 16): mapping[int(to, 16)] for c, to in d.get("alias", {}).items()})
+    fb.setupCharacterMap(mapping)
+    if d.get("cmap") == "symbol":  # the Windows map only, as (3,0)
+        fb.font["cmap"].tables = [t for t in fb.font["cmap"].tables if t.platformID == 3]
+        fb.font["cmap"].tables[0].platEncID = 0
     special = {0x41: "triangle", 0x4F: "ring", 0x6F: "curve", 0x20: "none", 0xA0: "none",
-               0xF020: "none"}
+               0xF020: "none", **{int(c, 16): s for c, s in d.get("shapes", {}).items()}}
     shape = {name: d.get("shape") or special.get(code_of.get(name), "rect") for name in order}
     if cff:
         charstrings = {}
@@ -121,6 +115,14 @@ def make_font(d):
             pen = TTGlyphPen(None)
             draw(pen, shape[name], advance[name])
             glyphs[name] = pen.glyph()
+        for code, parts in d.get("components", {}).items():  # [base, dx, USE_MY_METRICS]
+            pen = TTGlyphPen(glyphs)
+            for base, dx, _ in parts:
+                pen.addComponent(mapping[int(base, 16)], (1, 0, 0, 1, dx, 0))
+            glyphs[mapping[int(code, 16)]] = glyph = pen.glyph()
+            for component, (_, _, flagged) in zip(glyph.components, parts):
+                component.flags = component.flags | USE_MY_METRICS if flagged else \
+                    component.flags & ~USE_MY_METRICS
         fb.setupGlyf(glyphs)
         fb.setupHorizontalMetrics({n: (advance[n], glyphs[n].xMin if glyphs[n].numberOfContours
                                        else 0) for n in order})
@@ -133,19 +135,13 @@ def make_font(d):
                                   family + " " + style],
                                  [6, 3, 1, 0x409, (family + "-" + style).replace(" ", "")]]
     fb.font["name"] = newTable("name")
-    fb.font["name"].names = []
-    for name_id, platform, encoding, language, text in records:
-        record = NameRecord()
-        record.nameID, record.platformID, record.platEncID, record.langID = \
-            name_id, platform, encoding, language
-        record.string = (bytes.fromhex(text[4:]) if text.startswith("hex:") else
-                         LONG_NAME if text == "$LONG" else text)
-        fb.font["name"].names.append(record)
+    fb.font["name"].names = [makeName(bytes.fromhex(text[4:]) if text.startswith("hex:") else
+                                      LONG_NAME if text == "$LONG" else text, *record)
+                             for *record, text in records]
 
     if d.get("os2", {}) is not None:
         panose = Panose()
-        for field, value in zip(PANOSE_FIELDS, d.get("panose", (2, 11, 6, 4, 2, 2, 2, 2, 2, 4))):
-            setattr(panose, field, value)
+        panose.__dict__.update(zip(PANOSE_FIELDS, d.get("panose", (2, 11, 6, 4, 2, 2, 2, 2, 2, 4))))
         typo = d.get("typo", (1600, -400, 70))
         ranges = d.get("ranges", "3 10000000 10 20 1 40000000")
         os2 = dict(version=4, usWeightClass=700 if bold else 400,
@@ -177,7 +173,14 @@ def make_font(d):
         subtable.kernTable = {(mapping[int(l, 16)], mapping[int(r, 16)]): v for l, r, v in pairs}
         fb.font["kern"] = newTable("kern")
         fb.font["kern"].version, fb.font["kern"].kernTables = 0, [subtable]
-    return font_bytes(fb.font)
+    if d.get("fea"):
+        fb.addOpenTypeFeatures("\n".join(d["fea"]))
+    for tag, size in d.get("cut", {}).items():  # the table cut to its first bytes
+        cut = DefaultTable(tag)
+        cut.data = fb.font.getTableData(tag)[:size]
+        fb.font[tag] = cut
+    data = font_bytes(fb.font)
+    return overrun(data, order.index(mapping[int(d["overrun"], 16)])) if "overrun" in d else data
 
 
 def font_bytes(font):
@@ -223,7 +226,6 @@ def cmap_of(font):
 
 def describe(font, face_index):
     order = font.getGlyphOrder()
-    glyph_id = {name: i for i, name in enumerate(order)}
     hmtx = font["hmtx"].metrics
     lines = ["face %d" % face_index, "numGlyphs %d" % len(order), "head %d" % ("head" in font)]
     if "head" in font:
@@ -241,142 +243,68 @@ def describe(font, face_index):
     lines += ["name %d %d %d %d %s" % (r.platformID, r.platEncID, r.langID, r.nameID,
                                       r.toBytes().hex()) for r in font["name"].names]
     chars = sorted(cmap_of(font).items())
-    lines += ["char %d %d %d" % (cp, glyph_id[name], hmtx[name][0]) for cp, name in chars]
+    lines += ["char %d %d %d" % (cp, font.getGlyphID(name), hmtx[name][0]) for cp, name in chars]
     lines += ["glyph %d %d" % (i, hmtx[name][0]) for i, name in enumerate(order)]
-    codes_of = {}
-    for cp, name in chars:
-        codes_of.setdefault(name, []).append(cp)
-    kerning = []
-    for subtable in font["kern"].kernTables if "kern" in font else []:
-        for (left, right), value in subtable.kernTable.items() if subtable.format == 0 else []:
-            kerning += [(l, r, value) for l in codes_of.get(left, [])
-                        for r in codes_of.get(right, [])]
-    lines += ["kern %d %d %d" % k for k in sorted(kerning)]
+    kerning = sorted((left, right, value)
+                     for table in (font["kern"].kernTables if "kern" in font else [])
+                     if table.format == 0 for (a, b), value in table.kernTable.items()
+                     for left, x in chars if x == a for right, y in chars if y == b)
+    lines += ["kern %d %d %d" % k for k in kerning]
     glyf = font["glyf"] if "glyf" in font else None
     for i, name in enumerate(order if glyf else []):
         if glyf[name].numberOfContours <= 0:
             continue
         coordinates, end_points, flags = glyf[name].getCoordinates(glyf)
-        start = 0
-        for end in end_points:
+        for start, end in zip([0] + [end + 1 for end in end_points], end_points):
             points = " ".join("%d %d %d" % (coordinates[p][0], coordinates[p][1], flags[p] & 1)
                               for p in range(start, end + 1))
             lines.append("contour %d %d %s" % (i, end + 1 - start, points))
-            start = end + 1
     return lines
 
 
-# composites.ttf, unitsPerEm 1000; `hmtx` advance, then what loading gives:
-#   A, B, H simple: 700, 500, 600 (H's point count raised past its data: no load)
-#   C = A with USE_MY_METRICS, 0 -> 700      D = B, then A flagged, 123 -> 700
-#   E = B moved by (40, 0), flagged, 900 -> 500   F = C flagged, 50 -> 700 (two levels)
-#   G = A and B, no flag, 333 -> 333          I = H flagged, 444: no load   J empty, 250
-SIMPLE = {"A": 700, "B": 500, "H": 600}
-COMPOSITE = {"C": (0, [("A", 0, True)]), "D": (123, [("B", 0, False), ("A", 0, True)]),
-             "E": (900, [("B", 40, True)]), "F": (50, [("C", 0, True)]),
-             "G": (333, [("A", 0, False), ("B", 0, False)]), "I": (444, [("H", 0, True)])}
-FEATURES = """
-languagesystem DFLT dflt;
-languagesystem latn dflt;
-@ROUND = [O o C G];
-@DIAG = [V W Y v w y];
-@DIGIT = [one seven];
-@PUNCT = [period comma];
-feature kern {
-  pos A V -120; pos T o -80; pos space A -30; pos quoteright s -55; pos one one -20;
-  pos O V -7; pos @ROUND @DIAG -40; pos @DIAG @ROUND -35; pos @DIGIT @PUNCT -25;
-  pos @PUNCT space 15;
-} kern;
-"""
+def overrun(data, glyph_id):
+    """The glyph's only contour ends at point 200: its flags and coordinates run past its data."""
+    font = TTFont(io.BytesIO(data))
+    at = font.reader.tables["glyf"].offset + font["loca"][glyph_id]
+    assert struct.unpack(">h", data[at:at + 2])[0] == 1
+    return data[:at + 10] + struct.pack(">H", 200) + data[at + 12:]
 
 
-def box(right, left=50):
-    pen = TTGlyphPen(None)
-    if right is not None:
-        pen.moveTo((left, 0))
-        pen.lineTo((left, 700))
-        pen.lineTo((right, 700))
-        pen.lineTo((right, 0))
-        pen.closePath()
-    return pen.glyph()
+def variable(d):
+    """A weight axis between the masters [weight, base, step], with named instances."""
+    doc = DesignSpaceDocument()
+    doc.addAxisDescriptor(tag="wght", name="Weight", minimum=d["masters"][0][0],
+                          default=d["masters"][0][0], maximum=d["masters"][-1][0])
+    for weight, base, step in d["masters"]:
+        master = dict(d, base=base, step=step, os2={"usWeightClass": weight})
+        doc.addSourceDescriptor(font=TTFont(io.BytesIO(make_font(master))),
+                                location={"Weight": weight})
+    font, _, _ = varLib.build(doc)
+    for style, weight in d["instances"]:
+        instance = NamedInstance()
+        instance.subfamilyNameID = font["name"].addMultilingualName({"en": style}, mac=False)
+        instance.coordinates = {"wght": weight}
+        font["fvar"].instances.append(instance)
+    return font_bytes(font)
 
 
-def font(family, order, cmap, glyphs, metrics, ascent=800, **os2):
-    fb = FontBuilder(1000, isTTF=True)
-    fb.font.recalcTimestamp = False
-    fb.setupGlyphOrder(order)
-    fb.setupCharacterMap(cmap)
-    fb.setupGlyf(glyphs)
-    fb.setupHorizontalMetrics(metrics)
-    fb.setupHorizontalHeader(ascent=ascent, descent=-200)
-    fb.setupNameTable({"familyName": family, "styleName": "Regular"})
-    fb.setupOS2(**os2)
-    fb.setupPost()
-    return fb
-
-
-def composites(path):
-    order = [".notdef"] + sorted(set(SIMPLE) | set(COMPOSITE) | {"J"})
-    glyphs = {".notdef": box(350), "J": box(None), **{n: box(a - 50) for n, a in SIMPLE.items()}}
-    for name, (_, parts) in COMPOSITE.items():
-        pen = TTGlyphPen(glyphs)
-        for base, dx, _ in parts:
-            pen.addComponent(base, (1, 0, 0, 1, dx, 0))
-        glyphs[name] = pen.glyph()
-    advances = {".notdef": 400, "J": 250, **SIMPLE, **{n: a for n, (a, _) in COMPOSITE.items()}}
-    fb = font("KelTest Composites", order, {ord(n): n for n in order[1:]}, glyphs,
-              {n: (advances[n], 50 if n != "J" else 0) for n in order}, usWinAscent=800,
-              usWinDescent=200)
-    for name, (_, parts) in COMPOSITE.items():
-        for component, (_, _, flagged) in zip(fb.font["glyf"][name].components, parts):
-            component.flags = component.flags | USE_MY_METRICS if flagged else \
-                component.flags & ~USE_MY_METRICS
-    fb.save(path)
-    # H's only contour ends at point 200 (it has 4): its flags and coordinates run past its data.
-    data = open(path, "rb").read()
-    tables = {data[12 + 16 * i:16 + 16 * i]: struct.unpack(">L", data[20 + 16 * i:24 + 16 * i])[0]
-              for i in range(struct.unpack(">H", data[4:6])[0])}
-    long_loca = struct.unpack(">h", data[tables[b"head"] + 50:][:2])[0]
-    entry = tables[b"loca"] + (4 if long_loca else 2) * order.index("H")
-    offset = struct.unpack(">L", data[entry:entry + 4])[0] if long_loca else \
-        2 * struct.unpack(">H", data[entry:entry + 2])[0]
-    glyph = tables[b"glyf"] + offset
-    assert struct.unpack(">h", data[glyph:glyph + 2])[0] == 1
-    open(path, "wb").write(data[:glyph + 10] + struct.pack(">H", 200) + data[glyph + 12:])
-
-
-def gpos(out):
-    codes = list(range(32, 127))
-    names = {c: chr(c) if chr(c).isalpha() else "uni%04X" % c for c in codes}
-    # feaLib's names for the glyphs the features name.
-    names.update({32: "space", 44: "comma", 46: "period", 39: "quoteright", 49: "one", 55: "seven"})
-    order = [".notdef"] + [names[c] for c in codes]
-    fb = font("KelTest Gpos", order, {**names, 0xA9B1: "A", 0x1E900: "A"},
-              {name: box(400) for name in order},
-              {name: (300 + 7 * i, 50) for i, name in enumerate(order)})
-    fb.addOpenTypeFeatures(FEATURES)
-    good = os.path.join(out, "gpos_kern.ttf")
-    fb.save(good)
-    damaged = TTFont(good)
-    gpos_table = damaged["GPOS"].table
-    assert {sub.Format for lookup in gpos_table.LookupList.Lookup for sub in lookup.SubTable} \
-        == {1, 2} and "kern" not in damaged
-    lookups = sorted({i for record in gpos_table.FeatureList.FeatureRecord
-                      if record.FeatureTag == "kern" for i in record.Feature.LookupListIndex})
-    with open(os.path.join(out, "expected_gpos_kern.txt"), "w") as f:
-        for left in codes:
-            for right in codes:
-                total = sum(pair_value(gpos_table.LookupList.Lookup[i], names[left], names[right])
-                            for i in lookups)
-                if total:
-                    f.write("%d %d %d\n" % (left, right, total))
-    raw = DefaultTable("GPOS")
-    raw.data = damaged.getTableData("GPOS")[:6]
-    damaged["GPOS"] = raw
-    damaged.save(os.path.join(out, "gpos_damaged.ttf"))
+def gpos_pairs(font):
+    """"LEFT RIGHT VALUE" of every non-zero printable-ASCII pair of the `kern` feature."""
+    table = font["GPOS"].table
+    assert {sub.Format for lookup in table.LookupList.Lookup for sub in lookup.SubTable} \
+        == {1, 2} and "kern" not in font
+    lookups = [table.LookupList.Lookup[i] for i in sorted(
+        {i for record in table.FeatureList.FeatureRecord if record.FeatureTag == "kern"
+         for i in record.Feature.LookupListIndex})]
+    names = font.getBestCmap()
+    pairs = [(left, right, sum(pair_value(lookup, names[left], names[right])
+                               for lookup in lookups))
+             for left in range(32, 127) for right in range(32, 127)]
+    return ["%d %d %d" % pair for pair in pairs if pair[2]]
 
 
 def pair_value(lookup, left, right):
+    """The value of the first subtable that covers the left glyph and has the pair."""
     for sub in lookup.SubTable:
         if left not in sub.Coverage.glyphs:
             continue
@@ -393,44 +321,16 @@ def pair_value(lookup, left, right):
     return 0
 
 
-def variable(path):
-    order = [".notdef", "space", "A", "B", "a"]
-    doc = DesignSpaceDocument()
-    axis = AxisDescriptor()
-    axis.tag, axis.name, axis.minimum, axis.default, axis.maximum = "wght", "Weight", 400, 400, 700
-    doc.addAxis(axis)
-    for weight in (400, 700):
-        advances = [500 + 10 * i + (weight - 400) * (i + 1) // 3 for i in range(len(order))]
-        source = SourceDescriptor()
-        source.font = font("KelTest Var", order,
-                           {0x20: "space", 0x41: "A", 0x42: "B", 0x61: "a"},
-                           {n: box(a - 50 if n != "space" else None) for n, a in zip(order, advances)},
-                           {n: (a, 50 if n != "space" else 0) for n, a in zip(order, advances)},
-                           usWeightClass=weight).font
-        source.location = {"Weight": weight}
-        doc.addSource(source)
-    varfont, _, _ = varLib.build(doc)
-    for style, weight in (("Regular", 400), ("Semi Bold", 550), ("Bold", 700)):
-        instance = NamedInstance()
-        instance.subfamilyNameID = varfont["name"].addMultilingualName({"en": style}, mac=False)
-        instance.coordinates = {"wght": weight}
-        varfont["fvar"].instances.append(instance)
-    varfont.save(path)
-
-
 def main(out_dir):
     logging.getLogger("fontTools").setLevel(logging.ERROR)  # advances up to 65,535 on purpose
-    for folder in ("metrics", "variable"):
-        os.makedirs(os.path.join(out_dir, folder), exist_ok=True)
-    composites(os.path.join(out_dir, "metrics", "composites.ttf"))
-    gpos(out_dir)
-    variable(os.path.join(out_dir, "variable", "keltest-var.ttf"))
     manifest = os.path.join(out_dir, "fonts.txt")
     if os.path.exists(manifest):
         os.remove(manifest)
-    written = []
+    written, by_file = [], {}
     for d in FONT_TABLE["fonts"]:
+        d = by_file[d["file"]] = dict(by_file.get(d.get("like"), {}), **d)
         path = os.path.join(out_dir, d["file"])
+        os.makedirs(os.path.dirname(path), exist_ok=True)
         if "faces" in d or "repeat" in d:
             faces = d.get("faces") or [dict(d, family="%s %d" % (d["family"], i))
                                        for i in range(d["repeat"])]
@@ -440,11 +340,17 @@ def main(out_dir):
             collection.save(path)
         else:
             with open(path, "wb") as f:
-                f.write(without_head(d) if d.get("nohead") else make_font(d))
-        written.append(d["file"])
-        with open(path, "rb") as f:
-            fonts = TTCollection(path).fonts if f.read(4) == b"ttcf" else [TTFont(path)]
-        lines = [line for i, font in enumerate(fonts) for line in describe(font, i)]
+                f.write(variable(d) if "masters" in d else
+                        without_head(d) if d.get("nohead") else make_font(d))
+        expect = d.get("expect", "records")
+        if expect == "pairs":
+            lines = gpos_pairs(TTFont(path))
+        elif expect == "records":
+            written.append(d["file"])
+            fonts = TTCollection(path).fonts if path.endswith(".ttc") else [TTFont(path)]
+            lines = [line for i, font in enumerate(fonts) for line in describe(font, i)]
+        else:
+            continue
         with open(os.path.join(out_dir, "expected_%s.txt" % os.path.splitext(d["file"])[0]),
                   "w", encoding="ascii") as f:
             f.write("\n".join(lines) + "\n")

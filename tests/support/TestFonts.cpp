@@ -62,6 +62,28 @@ bool parseRecord(const std::string& key, std::istringstream& in, ExpectedFace* f
   return !in.fail();
 }
 
+// Every face of a generated font, in file order; none, with a reason in
+// *error, when the file cannot be opened or a line cannot be read.
+std::vector<ExpectedFace> loadFaces(const std::string& fontFile, std::string* error) {
+  const std::string path = expectedFileFor(fontFile);
+  std::ifstream in(path);
+  if (!in) *error = "cannot open " + path;
+  std::vector<ExpectedFace> faces;
+  std::string line;
+  for (int lineNumber = 1; std::getline(in, line); ++lineNumber) {
+    std::istringstream fields(line);
+    std::string key;
+    if (!(fields >> key)) continue;
+    if (key == "face") {
+      faces.emplace_back();
+    } else if (faces.empty() || !parseRecord(key, fields, &faces.back())) {
+      *error = path + ":" + std::to_string(lineNumber) + ": cannot read '" + line + "'";
+      return {};
+    }
+  }
+  return faces;
+}
+
 }  // namespace
 
 std::string testFontDir() { return KELFONT_TEST_FONT_DIR; }
@@ -77,39 +99,13 @@ std::vector<std::string> testFontFiles() {
 
 bool loadExpectedFace(const std::string& fontFile, int faceIndex, ExpectedFace* out,
                       std::string* error) {
-  std::string path = expectedFileFor(fontFile);
-  std::ifstream in(path);
-  if (!in) {
-    if (error) *error = "cannot open " + path;
-    return false;
-  }
-  ExpectedFace face;
-  bool inFace = false;
-  bool found = false;
-  std::string line;
-  for (int lineNumber = 1; std::getline(in, line); ++lineNumber) {
-    std::istringstream fields(line);
-    std::string key;
-    if (!(fields >> key)) continue;
-    if (key == "face") {
-      int index = -1;
-      fields >> index;
-      inFace = index == faceIndex;
-      found = found || inFace;
-      continue;
-    }
-    if (!inFace) continue;
-    if (!parseRecord(key, fields, &face)) {
-      if (error) *error = path + ":" + std::to_string(lineNumber) + ": cannot read '" + line + "'";
-      return false;
-    }
-  }
-  if (!found) {
-    if (error) *error = "no face " + std::to_string(faceIndex) + " in " + path;
-    return false;
-  }
-  *out = face;
-  return true;
+  std::string reason;
+  const std::vector<ExpectedFace> faces = loadFaces(fontFile, &reason);
+  if (reason.empty() && (faceIndex < 0 || faceIndex >= static_cast<int>(faces.size())))
+    reason = "no face " + std::to_string(faceIndex) + " in " + expectedFileFor(fontFile);
+  if (reason.empty()) *out = faces[faceIndex];
+  if (error) *error = reason;
+  return reason.empty();
 }
 
 ExpectedFace expectedFace(const std::string& fontFile, int faceIndex) {
@@ -120,10 +116,8 @@ ExpectedFace expectedFace(const std::string& fontFile, int faceIndex) {
 }
 
 int expectedFaceCount(const std::string& fontFile) {
-  std::ifstream in(expectedFileFor(fontFile));
-  int count = 0;
-  for (std::string line; std::getline(in, line);) count += line.compare(0, 5, "face ") == 0;
-  return count;
+  std::string error;
+  return static_cast<int>(loadFaces(fontFile, &error).size());
 }
 
 }  // namespace kelfont_test

@@ -130,7 +130,7 @@ TEST(FontFileAnalyzer, EveryGeneratedFace) {
   int checked = 0;
   for (const std::string& file : kelfont_test::testFontFiles()) {
     const int size = static_cast<int>(kelfont_test::readFile(testFontPath(file)).size());
-    for (int face = 0; face < kelfont_test::expectedFaceCount(file); ++face, ++checked) {
+    for (int face = 0, n = kelfont_test::expectedFaceCount(file); face < n; ++face, ++checked) {
       SCOPED_TRACE(file + " face " + std::to_string(face));
       ExpectedFace want = expectedFace(file, face);
       std::unique_ptr<FontInfo> info = analyze(file, face), data = analyze(file, face, true);
