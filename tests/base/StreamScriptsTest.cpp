@@ -3,12 +3,13 @@
 // sink, the calls, and what they answer.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <zlib.h>
 
+#include <algorithm>
 #include <ctime>
 #include <filesystem>
 #include <iterator>
 #include <memory>
-#include <regex>
 #include <sstream>
 
 #include "base/AtomicFileOutputStream.h"
@@ -19,6 +20,7 @@
 #include "base/Environment.h"
 #include "base/FileInputStream.h"
 #include "base/FileOutputStream.h"
+#include "base/InflateInputStream.h"
 #include "base/MemoryInputStream.h"
 #include "base/PartialInputStream.h"
 #include "base/ZipEntryInputStream.h"
@@ -46,14 +48,13 @@ std::string listing(const qro_base::ZipFile& zip) {
   return out;
 }
 
-// The lines logged: priority/tag/message, digits as '#'.
-std::string logged(const LogCapture& log) {
-  std::string out;
-  for (const LogLine& line : log.lines()) {
-    out += std::to_string(line.priority) + "/" + line.tag + "/" +
-           std::regex_replace(line.message, std::regex("[0-9]"), "#") + "|";
-  }
-  return out;
+// zlib's compression of the bytes at the level.
+std::string deflated(const std::string& bytes, int level) {
+  uLongf size = compressBound(bytes.size());
+  std::string out(size, '\0');
+  compress2(reinterpret_cast<Bytef*>(&out[0]), &size, reinterpret_cast<const Bytef*>(bytes.data()),
+            bytes.size(), level);
+  return out.substr(0, size);
 }
 
 // The archives of the zip scripts, written by Python's zipfile module (an independent writer):
@@ -152,8 +153,14 @@ TEST(InputStreams, Scripts) {
     unsigned size = static_cast<unsigned>(std::strtoul(c[0].c_str() + kind.size() + 1, nullptr, 0));
     const std::string source = c[1];
     ASSERT_TRUE(writeFile(dir.file("f"), source));
+    // What the in-memory source gives, CHUNK bytes a read: zlib data for zlib and zlib0.
+    std::string bytes = kind == "zlib" || kind == "zlib0"
+                            ? deflated(expand(source), kind == "zlib" ? Z_DEFAULT_COMPRESSION : 0)
+                            : source;
+    const size_t comma = c[0].find(',');
+    const unsigned chunk = comma == std::string::npos ? ~0u : std::stoul(c[0].substr(comma + 1));
     bool destroyed = false;
-    auto* memory = new MemoryInputStream(source, ~0u, &destroyed);
+    auto* memory = new MemoryInputStream(bytes, chunk, &destroyed);
     std::unique_ptr<MemoryInputStream> owned(memory);
     LogCapture log;
     std::unique_ptr<qro_base::ZipFile> zip;
@@ -184,6 +191,8 @@ TEST(InputStreams, Scripts) {
                                         : static_cast<qro_base::InputStream*>(owned.release());
       in.reset(new qro_base::BufferedReader(
           from, kind == "reader-949" ? 949 : qro_base::kEncodingUtf8, size));
+    } else if (kind.rfind("zlib", 0) == 0) {
+      in.reset(new qro_base::InflateInputStream(*memory, size));
     } else {  // zz:ENTRY or mini:ENTRY in the archive named by the source
       const std::string path = source.empty() ? archive : dir.file(source);
       zip.reset(new qro_base::ZipFile(source == "NULL" ? nullptr : path.c_str(), kind == "zz"));
@@ -192,11 +201,14 @@ TEST(InputStreams, Scripts) {
     }
     std::string got;  // every byte read
     auto* file = dynamic_cast<qro_base::FileInputStream*>(in.get());
+    auto* inflate = dynamic_cast<qro_base::InflateInputStream*>(in.get());
     expectCalls(c, 2, [&](const std::string& op, std::ostream& said) {
       const unsigned n = static_cast<unsigned>(std::strtoul(op.c_str() + 1, nullptr, 10));
-      // A heap buffer of exactly n bytes, 256 for the back end, or of what is available.
-      std::vector<char> buffer(op[0] == 'r' ? n : op[0] == 'i' ? 256 : in->Available());
+      // n bytes and 64 that must stay '#', 256 for the back end, or what is available.
+      const bool guarded = op[0] == 'r' || op[0] == 'j';
+      std::vector<char> buffer(guarded ? n + 64 : op[0] == 'i' ? 256 : in->Available(), '#');
       int count = 0;
+      long at = 0;
       switch (op[0]) {
         case 'r':
           if (op.size() == 1) {
@@ -238,7 +250,6 @@ TEST(InputStreams, Scripts) {
         // One call a line.
         // clang-format off
         case 'f': said << (in->Read(buffer.data(), n) <= 0 ? "fail" : "read"); break;
-        case '=': said << (got == readFile(archive + ".d/" + op.substr(1))); break;
         case 's': said << in->Skip(n); break;
         case 'a': said << in->Available(); break;
         case 'c': said << in->Close(); break;
@@ -251,6 +262,7 @@ TEST(InputStreams, Scripts) {
         case 'C': said << memory->closes; break;
         case 'n': said << memory->reads; break;
         case 'P': in.reset(new qro_base::PartialInputStream(*memory, n)); said << '.'; break;
+        case 'T': said << inflate->Status(); break;
         case 'd': said << destroyed; break;
         case 'D': in.reset(); said << destroyed; break;
         case 'N': in.reset(new qro_base::ZipEntryInputStream(*zip, &op[1])); said << '.'; break;
@@ -260,10 +272,30 @@ TEST(InputStreams, Scripts) {
         case 'b': said << zip->GetImpl()->OpenEntry(op.c_str() + 1); break;
         case 'i': said << zip->GetImpl()->ReadEntry(buffer.data(), n); break;
         case 'B': said << zip->GetImpl()->CloseEntry(); break;
-        case 'Z': in.reset(); zip.reset(); said << logged(log); break;
-        default: ADD_FAILURE() << "unknown call " << op;
-          // clang-format on
+        case 'Z': in.reset(); zip.reset(); said << log.taken(); break;
+        // clang-format on
+        case '=':  // what was read equals the source, or the entry as Python extracted it
+          said << (got == (op.size() == 1 ? expand(source) : readFile(archive + ".d/" + &op[1])));
+          break;
+        case 'j': {  // Read() into a destination of n bytes, from the zlib data again
+          MemoryInputStream again(bytes, chunk);
+          said << qro_base::InflateInputStream(again, size, buffer.data(), n).Read();
+          break;
+        }
+        case '~':  // the zlib data damaged: a byte at n flipped (from the end when negative), or
+        case '|':  // cut to n bytes (by -n bytes); the stream made again
+          at = std::stol(op.substr(1));
+          at += at < 0 ? static_cast<long>(bytes.size()) : 0;
+          if (op[0] == '|') bytes.resize(static_cast<size_t>(at));
+          if (op[0] == '~') bytes[static_cast<size_t>(at)] ^= 0x55;
+          owned.reset(memory = new MemoryInputStream(bytes, chunk));
+          in.reset(inflate = new qro_base::InflateInputStream(*memory, size));
+          said << '.';
+          break;
+        default:
+          ADD_FAILURE() << "unknown call " << op;
       }
+      if (guarded && std::count(buffer.end() - 64, buffer.end(), '#') != 64) said << "(past)";
     });
     in.reset();
   }
@@ -335,11 +367,7 @@ TEST(OutputStreams, Scripts) {
         case '*': out->Write(std::string(value, 'x').data(), unsigned(value)); said << '.'; break;
         case 'K': said << atomic->Commit(); break;
         case '#': said << std::distance(std::filesystem::directory_iterator(dir.path()), {}); break;
-        case 'g':
-          for (std::string message : log.messages()) {
-            said << message.replace(message.find(dir.path()), dir.path().size(), "DIR") << '|';
-          }
-          break;
+        case 'g': said << log.taken("", dir.path()); break;
         case 'e': {  // and what it printed, in brackets
           testing::internal::CaptureStdout();
           said << zip->PutNextEntry(entry);
