@@ -1,11 +1,19 @@
-// Pure functions of the base layer against tables of cases
-// (tests/data/base_functions.tsv): function, arguments, answer.
+// Small functions and services of the base layer against tables of cases
+// (tests/data/base_functions.tsv: function, arguments, answer) and against
+// independent references: the C library, the standard UTF-16 strings, the
+// Unicode Character Database.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <climits>
 #include <cmath>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <map>
 #include <memory>
+#include <random>
 #include <set>
 #include <sstream>
 #include <vector>
@@ -13,14 +21,19 @@
 #include "base/AKHashMap.h"
 #include "base/ByteOrder.h"
 #include "base/CharacterType.h"
+#include "base/CharacterTypeData.h"
 #include "base/DefaultCharsetConverterManager.h"
 #include "base/Environment.h"
+#include "base/File.h"
 #include "base/FileUtils.h"
 #include "base/Locale.h"
+#include "base/Log.h"
 #include "base/MathUtil.h"
 #include "base/TextConversion.h"
+#include "base/U16CharTraits.h"
 #include "base/Utf8CharsetConverter.h"
 #include "tests/support/Cases.h"
+#include "tests/support/LogCapture.h"
 #include "tests/support/TempDir.h"
 
 namespace {
@@ -134,6 +147,55 @@ std::string files(const Case& c) {
   return said;
 }
 
+// A host's File, with reading and writing of its own.
+struct HostFile : qro_base::File {
+  using File::File;
+  unsigned Read(char*, unsigned count) const override { return count + 100; }
+  unsigned Write(const char*, unsigned count) override { return count + 200; }
+};
+
+// A File (of a host when the mode is "host") over a file holding the bytes, or over
+// "missing" or the folder: the answers to the calls rN (the count and bytes read), wTEXT,
+// kN (Seek), eN (Seek from the end), t (Tell), o (IsOpen) and = (the file's bytes).
+std::string file(const Case& c) {
+  kelfont_test::TempDir dir;
+  kelfont_test::writeFile(dir.file("f"), c[1]);
+  const std::string path = c[1] == "missing"  ? dir.file("m")
+                           : c[1] == "folder" ? dir.path()
+                                              : dir.file("f");
+  std::unique_ptr<qro_base::File> file(c[2] == "host"
+                                           ? new HostFile(path.c_str(), 0)
+                                           : new qro_base::File(path.c_str(), int(c.num(2))));
+  return kelfont_test::answers(c[3], [&](const std::string& op) {
+    char buffer[8] = {};
+    const long n = std::strtol(op.c_str() + 1, nullptr, 10);
+    if (op[0] == 'r') {
+      const unsigned got = file->Read(buffer, static_cast<unsigned>(n));
+      return std::to_string(got) + ":" + std::string(buffer, std::min<unsigned>(got, n));
+    }
+    if (op[0] == 'w') return std::to_string(file->Write(&op[1], unsigned(op.size() - 1)));
+    if (op[0] == 'k') return std::to_string(file->Seek(n));
+    if (op[0] == 'e') return std::to_string(file->Seek(n, SEEK_END));
+    if (op[0] == 't') return std::to_string(file->Tell());
+    if (op[0] == '=') return kelfont_test::readFile(dir.file("f"));
+    return std::to_string(file->IsOpen());
+  });
+}
+
+// A log line of the priority ("profile": logProfile's) under the tag "T", through the hook
+// (as LogCapture::taken shows it) or without one to standard error; runs as {N*c}.
+std::string log(const Case& c) {
+  testing::internal::CaptureStderr();
+  auto hook = std::make_unique<kelfont_test::LogCapture>();
+  if (c[1] != "hook") hook.reset();
+  const std::string text = kelfont_test::expand(c[3]);
+  if (c[2] == "profile") qro_base::logProfile("%s", text.c_str());
+  if (c[2] != "profile") qro_base::androidLogPrint(int(c.num(2)), "T", "%s", text.c_str());
+  const std::string said = hook ? hook->taken() : "";
+  hook.reset();
+  return kelfont_test::runs(said + testing::internal::GetCapturedStderr());
+}
+
 // The answer of the function c[0] to the arguments of the line.
 std::string call(const Case& c) {
   const std::string& f = c[0];
@@ -154,6 +216,13 @@ std::string call(const Case& c) {
   if (f == "lower") return hex(qro_base::CharacterType::ToLowerCase(unit));
   if (f == "flags") return hex(qro_base::CharacterType::charTypes[c.num(1)]);
   if (f == "hashmap") return hashMap(c);
+  if (f == "file") return file(c);
+  if (f == "log") return log(c);
+  if (f == "utf8-count") {
+    return kelfont_test::answers(c[1], [](const std::string& lead) {
+      return std::to_string(qro_base::getUtf8CharByteCount(std::stoul(lead, nullptr, 0) & 0xFF));
+    });
+  }
   if (f == "confirm-path" || f == "exists") return files(c);
   if (f == "utf8-convert") return convertUtf8(c);
   if (f == "lower-text" || f == "upper-text") {  // into a stale text, and in place
@@ -264,5 +333,185 @@ std::string call(const Case& c) {
 }
 
 TEST(BaseFunctions, Table) { kelfont_test::expectAnswers("base_functions.tsv", call); }
+
+class CountedLoader : public qro_base::IResourceLoader {
+ public:
+  explicit CountedLoader(int& destroyed) : destroyed_(destroyed) {}
+  ~CountedLoader() override { ++destroyed_; }
+
+ private:
+  int& destroyed_;
+};
+
+// Every service and path setter goes through one ownership rule: the
+// replaced object is destroyed, the last one goes with the environment.
+TEST(Environment, SettersDestroyTheObjectTheyReplace) {
+  int destroyed = 0;
+  {
+    qro_base::Environment env;
+    env.SetResourceLoader(new CountedLoader(destroyed));
+    auto* second = new CountedLoader(destroyed);
+    env.SetResourceLoader(second);
+    EXPECT_EQ(env.GetResourceLoader(), second);
+    EXPECT_EQ(destroyed, 1);
+    // The leak checker of the sanitizer build would report a lost string.
+    env.SetClipboardPath(new std::string("/data/old/"));
+    env.SetClipboardPath(new std::string("/data/new/"));
+    EXPECT_EQ(*env.GetClipboardPath(), "/data/new/");
+  }
+  EXPECT_EQ(destroyed, 2);
+  qro_base::Environment env;
+  env.SetResourceLoader(new CountedLoader(destroyed));
+  env.SetResourceLoader(nullptr);
+  EXPECT_EQ(destroyed, 3);
+}
+
+TEST(IntegerToArray, AgreesWithTheCLibraryAndExtremesFitTheDocumentedBuffers) {
+  std::vector<char> narrow12(12);
+  EXPECT_STREQ(qro_base::IntegerToArray(INT_MIN, narrow12.data()), "-2147483648");
+  std::vector<unsigned short> wide21(21);
+  EXPECT_EQ(qro_base::u16string(qro_base::Int64ToArray16(LLONG_MIN, wide21.data())),
+            u16("-9223372036854775808"));
+  EXPECT_EQ(qro_base::IntegerToArray(5, nullptr), nullptr);
+  std::mt19937_64 random(12345);
+  char ours[21];
+  char theirs[32];
+  for (int i = 0; i < 2000; ++i) {
+    long long value = static_cast<long long>(random()) >> (random() % 63);
+    std::snprintf(theirs, sizeof theirs, "%lld", value);
+    EXPECT_STREQ(qro_base::Int64ToArray(value, ours), theirs);
+    int small = static_cast<int>(value);
+    std::snprintf(theirs, sizeof theirs, "%d", small);
+    EXPECT_STREQ(qro_base::IntegerToArray(small, ours), theirs);
+  }
+}
+
+TEST(FloatToArray, AgreesWithTheCLibraryAwayFromTies) {
+  std::mt19937_64 random(2024);
+  std::uniform_real_distribution<double> magnitude(0.0, 7.0);
+  char ours[48];
+  char theirs[128];
+  char tail[160];
+  for (int i = 0; i < 3000; ++i) {
+    double value = std::pow(10.0, magnitude(random)) * (random() % 2 ? 1 : -1);
+    unsigned digits = static_cast<unsigned>(random() % 10);
+    // Skip the rare values that lie on a rounding tie: the C library breaks
+    // those to even.
+    std::snprintf(tail, sizeof tail, "%.*f", digits + 12, value);
+    std::string rest(tail + std::strlen(tail) - 12);
+    if (rest == "500000000000") continue;
+    std::snprintf(theirs, sizeof theirs, "%.*f", digits, value);
+    EXPECT_STREQ(qro_base::FloatToArray(value, digits, ours, true), theirs) << value;
+  }
+  std::vector<char> exact(4 + 1 + 2);  // 4 + fraction digits + integer digits
+  EXPECT_STREQ(qro_base::FloatToArray(-9.996, 2, exact.data(), true), "-10.00");
+}
+
+// The u16 strings against the standard library's own UTF-16 strings: both
+// hold unsigned 16-bit units, so every operation must agree, including
+// units above 0x7FFF and embedded zeros.
+TEST(U16CharTraits, StringsBehaveAsTheStandardUtf16Strings) {
+  const std::vector<std::u16string> texts = {
+      u"",       u"a",      u"ab",      std::u16string(u"a\0b", 3), u"\u7FFF",
+      u"\u8000", u"\uFFFF", u"\uFFFFa", u"b\u8000\u7FFF",           u"ab\uFFFF"};
+  auto mine = [](const std::u16string& text) {
+    return qro_base::u16string(text.begin(), text.end());
+  };
+  auto sign = [](int value) { return (value > 0) - (value < 0); };
+  for (const auto& a : texts) {
+    qro_base::u16string ma = mine(a);
+    ASSERT_EQ(ma.size(), a.size());
+    EXPECT_EQ(qro_base::U16CharTraits::length(ma.c_str()),
+              std::char_traits<char16_t>::length(a.c_str()));
+    for (const auto& b : texts) {
+      qro_base::u16string mb = mine(b);
+      SCOPED_TRACE(testing::PrintToString(a) + " vs " + testing::PrintToString(b));
+      EXPECT_EQ(sign(ma.compare(mb)), sign(a.compare(b)));
+      EXPECT_EQ(ma < mb, a < b);
+      EXPECT_EQ(ma == mb, a == b);
+      EXPECT_EQ(ma.find(mb), a.find(b));
+      EXPECT_EQ(ma.rfind(mb), a.rfind(b));
+      EXPECT_EQ(ma.find_first_of(mb), a.find_first_of(b));
+      EXPECT_EQ(ma.find_last_not_of(mb), a.find_last_not_of(b));
+      qro_base::u16string joined = ma + mb;
+      joined.insert(1 % (joined.size() + 1), ma);  // moves the tail over itself
+      std::u16string expected = a + b;
+      expected.insert(1 % (expected.size() + 1), a);
+      EXPECT_TRUE(std::equal(joined.begin(), joined.end(), expected.begin(), expected.end()));
+    }
+  }
+  qro_base::u16string filled(3, 0xFFFF);
+  EXPECT_EQ(filled.find(0xFFFF, 1), 1u);
+  EXPECT_EQ(qro_base::U16CharTraits::to_int_type(0xFFFF), 0xFFFF);
+  EXPECT_NE(qro_base::U16CharTraits::to_int_type(0xFFFF), qro_base::U16CharTraits::eof());
+}
+
+using qro_base::CharacterType;
+namespace data = qro_base::character_type_data;
+
+const char* const kUcdDir = "/usr/share/unicode";
+
+// The space flag against PropList.txt's White_Space, read here.
+TEST(CharacterTypeFlags, WhiteSpaceIsExactlyTheUnicodeSet) {
+  std::ifstream props(std::string(kUcdDir) + "/PropList.txt");
+  if (!props) GTEST_SKIP() << "Unicode Character Database not found in " << kUcdDir;
+  std::vector<bool> space(0x10000, false);
+  for (std::string line; std::getline(props, line);) {
+    unsigned first = 0, last = 0;
+    char name[32] = {};
+    const int n = std::sscanf(line.c_str(), "%x..%x ; %31s", &first, &last, name);
+    if (n < 2 && std::sscanf(line.c_str(), "%x ; %31s", &first, name) == 2) last = first;
+    if (std::string(name) != "White_Space") continue;
+    for (unsigned cp = first; cp <= last && cp < 0x10000; ++cp) space[cp] = true;
+  }
+  EXPECT_EQ(std::count(space.begin(), space.end(), true), 25);
+  for (unsigned cp = 0; cp < 0x10000; ++cp) {
+    EXPECT_EQ((CharacterType::charTypes[cp] & CharacterType::kSpace) != 0, space[cp])
+        << std::hex << cp;
+  }
+}
+
+// The tables themselves are the generator's output from the Unicode
+// Character Database (checked below): every key maps to its value, only
+// flagged units are keys, and every other unit maps to itself.
+TEST(CharacterTypeCase, EveryTableKeyAndNothingElseIsMapped) {
+  const struct {
+    const data::CasePair* pairs;
+    unsigned count;
+    unsigned short (*map)(unsigned short);
+    unsigned char flag;
+  } tables[] = {
+      {data::kUpperCasePairs, data::kUpperCasePairCount, CharacterType::ToUpperCase,
+       CharacterType::kLowercase},
+      {data::kLowerCasePairs, data::kLowerCasePairCount, CharacterType::ToLowerCase,
+       CharacterType::kUppercase},
+  };
+  EXPECT_EQ(data::kLowerCasePairCount, 685u);  // the reference size of the lowercase table
+  for (const auto& table : tables) {
+    std::map<unsigned, unsigned> keys;
+    for (unsigned i = 0; i < table.count; ++i) keys[table.pairs[i].from] = table.pairs[i].to;
+    ASSERT_EQ(keys.size(), table.count);
+    for (unsigned cp = 0; cp < 0x10000; ++cp) {
+      auto it = keys.find(cp);
+      ASSERT_EQ(table.map(static_cast<unsigned short>(cp)), it == keys.end() ? cp : it->second)
+          << std::hex << cp;
+      if (it != keys.end() && it->second != cp) {
+        EXPECT_TRUE(CharacterType::charTypes[cp] & table.flag) << std::hex << cp;
+      }
+    }
+  }
+}
+
+TEST(CharacterTypeGenerator, CheckedInSourceIsUpToDate) {
+  std::string python = KELFONT_PYTHON;
+  if (python.empty() || python.find("NOTFOUND") != std::string::npos) {
+    GTEST_SKIP() << "python3 not found; cannot run scripts/gen_character_types.py --check";
+  }
+  std::ifstream probe(std::string(kUcdDir) + "/UnicodeData.txt");
+  if (!probe) GTEST_SKIP() << "Unicode Character Database not found in " << kUcdDir;
+  std::string command =
+      python + " " + KELFONT_TEST_SOURCE_DIR + "/../scripts/gen_character_types.py --check";
+  EXPECT_EQ(std::system(command.c_str()), 0) << command;
+}
 
 }  // namespace
