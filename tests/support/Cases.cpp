@@ -9,6 +9,17 @@
 #include <sstream>
 
 namespace kelfont_test {
+namespace {
+
+// The fields between the separators, empty ones too.
+std::vector<std::string> split(const std::string& line, char separator) {
+  std::vector<std::string> fields;
+  for (size_t start = 0, end = 0; end != std::string::npos; start = end + 1)
+    fields.push_back(line.substr(start, (end = line.find(separator, start)) - start));
+  return fields;
+}
+
+}  // namespace
 
 const std::string& Case::operator[](size_t i) const {
   static const std::string kNone;
@@ -18,12 +29,8 @@ const std::string& Case::operator[](size_t i) const {
 long long Case::num(size_t i) const { return std::strtoll((*this)[i].c_str(), nullptr, 0); }
 
 std::string Case::raw(size_t i) const {
-  std::istringstream in(line);
-  std::string field;
-  for (size_t n = 0; std::getline(in, field, '\t'); ++n) {
-    if (n == i) return field;
-  }
-  return "";
+  const std::vector<std::string> fields = split(line, '\t');
+  return i < fields.size() ? fields[i] : "";
 }
 
 std::vector<Case> cases(const std::string& name) {
@@ -32,61 +39,47 @@ std::vector<Case> cases(const std::string& name) {
   std::vector<Case> out;
   for (std::string line; std::getline(in, line);) {
     if (line.empty() || line[0] == '#') continue;
-    Case c{line, {}};
-    for (size_t start = 0;;) {
-      size_t tab = line.find('\t', start);
-      c.fields.push_back(unescape(line.substr(start, tab - start)));
-      if (tab == std::string::npos) break;
-      start = tab + 1;
-    }
-    out.push_back(c);
+    out.push_back(Case{line, split(line, '\t')});
+    for (std::string& field : out.back().fields) field = unescape(field);
   }
   return out;
 }
 
 std::string unescape(const std::string& text) {
+  static const std::string kEscapes = "nrt0\\x";
   std::string out;
   for (size_t i = 0; i < text.size(); ++i) {
-    if (text[i] != '\\' || i + 1 == text.size()) {
+    // Others are kept for the test to read (\u0041), and a '\\' at the end.
+    const size_t code = text[i] == '\\' ? kEscapes.find(text.c_str()[i + 1]) : std::string::npos;
+    if (code == std::string::npos) {
       out += text[i];
-      continue;
-    }
-    char c = text[++i];
-    if (c == 'x') {
-      out += static_cast<char>(std::strtol(text.substr(i + 1, 2).c_str(), nullptr, 16));
-      i += 2;
-    } else if (c == 'n' || c == 'r' || c == 't' || c == '0' || c == '\\') {
-      out += c == 'n' ? '\n' : c == 'r' ? '\r' : c == 't' ? '\t' : c == '0' ? '\0' : '\\';
-    } else {  // kept for the test to read (\u0041)
-      out += '\\';
-      out += c;
+    } else if (kEscapes[code] == 'x') {
+      out += static_cast<char>(std::strtol(text.substr(i + 2, 2).c_str(), nullptr, 16));
+      i += 3;
+    } else {
+      out += "\n\r\t\0\\"[code];
+      ++i;
     }
   }
   return out;
 }
 
 std::string unhex(const std::string& text) {
-  std::string digits;
-  for (char c : text) {
-    if (isxdigit(static_cast<unsigned char>(c))) digits += c;
-  }
-  std::string out;
-  for (size_t i = 0; i + 1 < digits.size(); i += 2) {
+  std::string digits, out;
+  for (char c : text) digits += isxdigit(static_cast<unsigned char>(c)) ? std::string(1, c) : "";
+  for (size_t i = 0; i + 1 < digits.size(); i += 2)
     out += static_cast<char>(std::strtol(digits.substr(i, 2).c_str(), nullptr, 16));
-  }
   return out;
 }
 
 qro_base::u16string units(const std::string& text) {
   qro_base::u16string out;
   for (size_t i = 0; i < text.size(); ++i) {
-    if (text.compare(i, 2, "\\u") == 0 && i + 6 <= text.size()) {
-      out.push_back(
-          static_cast<unsigned short>(std::strtoul(text.substr(i + 2, 4).c_str(), nullptr, 16)));
-      i += 5;
-    } else {
-      out.push_back(static_cast<unsigned char>(text[i]));
-    }
+    const bool unit = text.compare(i, 2, "\\u") == 0 && i + 6 <= text.size();
+    out.push_back(
+        static_cast<unsigned short>(unit ? std::strtoul(text.substr(i + 2, 4).c_str(), nullptr, 16)
+                                         : unsigned(text[i] & 0xFF)));
+    i += unit ? 5 : 0;
   }
   return out;
 }
@@ -155,9 +148,7 @@ void expectCalls(const Case& c, size_t calls, const Call& call) {
 }
 
 std::vector<std::string> callFields(const std::string& token, size_t count) {
-  std::vector<std::string> fields;
-  std::istringstream parts(token);
-  for (std::string part; std::getline(parts, part, ',');) fields.push_back(part);
+  std::vector<std::string> fields = split(token, ',');
   if (fields.size() < count) fields.resize(count);
   for (std::string& field : fields) std::replace(field.begin(), field.end(), '_', ' ');
   return fields;
