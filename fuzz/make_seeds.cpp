@@ -8,9 +8,9 @@
 // fdata/     their data files, and one with a compacted range
 // fi/        default font information of the fonts
 // package/   a package of the above (zip writer), with the lists of the
-//            committed seeds fc/chains, df/groups and sf/scripts
+//            committed seeds lists/chains, lists/groups and lists/scripts
 //
-// The seeds of fc/, df/, sf/ and run/ are written by hand and kept as they are.
+// The seeds of lists/ and run/ are written by hand and kept as they are.
 
 #include <sys/stat.h>
 
@@ -147,9 +147,10 @@ int main(int argc, char** argv) {
   std::string fi = readWhole(serializer.GetDefaultFontInfoPath());
   writeWhole(corpus + "fi/fonts", fi);
 
-  const std::string fc = readWhole(corpus + "fc/chains");
-  const std::string df = readWhole(corpus + "df/groups");
-  const std::string sf = readWhole(corpus + "sf/scripts");
+  std::string fc = readWhole(corpus + "lists/chains");
+  std::string df = readWhole(corpus + "lists/groups");
+  std::string sf = readWhole(corpus + "lists/scripts");
+  for (std::string* list : {&fc, &df, &sf}) list->erase(0, 1);  // the byte that picks the reader
   if (!check(!fc.empty() && !df.empty() && !sf.empty(), "the list seeds")) return 1;
 
   // The package: table of the first three faces, their data, the lists.

@@ -32,7 +32,7 @@ seconds=${1:-60}
 shift || true
 targets=("$@")
 if [ ${#targets[@]} -eq 0 ]; then
-  targets=(ftable fdata fi fc df sf package analyzer run)
+  targets=(ftable fdata fi lists package analyzer run)
 fi
 
 mkdir -p "$dir/artifacts"
