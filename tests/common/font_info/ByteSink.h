@@ -5,7 +5,6 @@
 
 #include "base/MemoryInputStream.h"
 #include "base/OutputStream.h"
-#include "tests/support/Cases.h"
 
 namespace font_info_test {
 
@@ -30,11 +29,5 @@ class ByteSink : public qro_base::OutputStream {
 inline qro_base::MemoryInputStream source(const std::string& bytes) {
   return qro_base::MemoryInputStream(bytes.data(), static_cast<unsigned>(bytes.size()));
 }
-
-// Bytes from a hex text; spaces are ignored ("01 7F00" gives 01 7F 00).
-inline std::string hex(const std::string& text) { return kelfont_test::unhex(text); }
-
-// `count` zero bytes: the empty slots of a 128-slot table.
-inline std::string zeros(size_t count) { return std::string(count, '\0'); }
 
 }  // namespace font_info_test
