@@ -14,7 +14,6 @@
 #include "common/font_info/KerningInfo.h"
 #include "common/font_info/SingleCharMetricsRange.h"
 #include "common/font_info/SingleDefaultFontRange.h"
-#include "tests/common/font_info/ByteSink.h"
 #include "tests/common/font_info/TableBuilders.h"
 #include "tests/support/Cases.h"
 #include "tests/support/TempDir.h"
