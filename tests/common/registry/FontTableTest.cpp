@@ -50,14 +50,16 @@ FontInfo* face(const std::string& text) {
     const std::string& o = options[i];
     const std::string value = o.substr(o.find('=') + 1);
     if (o == "cjk") info->SetCJK(true);
-    if (o == "valid") {
-      info->SetPanose(new qro_common::Panose());
-      info->SetSig(new qro_common::Sig(1, 0, 0, 0, 1, 0));
-      info->SetFamilyName(new std::string(name + " Family"));
-    }
+    if (o == "valid" || o == "panose") info->SetPanose(new qro_common::Panose());
+    if (o == "panose") info->GetPanose()->Set(qro_common::Panose::kWeight, 7);
+    if (o == "valid" || o == "sig") info->SetSig(new qro_common::Sig(1, 0, 0, 0, 1, 0));
+    if (o == "valid") info->SetFamilyName(new std::string(name + " Family"));
+    if (o.rfind("alt=", 0) == 0) info->SetAlternateName(new std::string(value));
+    if (o.rfind("pitch=", 0) == 0) info->SetPitch(static_cast<unsigned char>(std::stoi(value)));
+    if (o == "persisted") info->SetPersisted(true);
     if (o.rfind("fam=", 0) == 0) info->SetFamilyName(new std::string(value));
     if (o.rfind("state=", 0) == 0) info->SetScanState(static_cast<unsigned char>(std::stoi(value)));
-    if (isxdigit(static_cast<unsigned char>(o[0])))
+    if (isdigit(static_cast<unsigned char>(o[0])))
       info->AddLocalizedName(std::stoi(o, nullptr, 16), value);
   }
   return info;
@@ -213,7 +215,11 @@ std::string step(State& state, const std::string& s, const std::string& base) {
     return std::to_string(info->GetInfoIndex()) + ":" + text(info->GetFontName()) + "/" +
            text(info->GetStyleName()) + "/" + text(info->GetFamilyName()) + "/" +
            text(info->GetFilePath()) + "/s" + std::to_string(info->GetScanState()) + "/" +
-           (info->IsValid() ? "v" : "-");
+           (info->IsValid() ? "v" : "-") + "/" + text(info->GetAlternateName()) + "/p" +
+           std::to_string(info->GetPitch()) + (info->IsPersisted() ? "P" : "") +
+           (info->GetPanose()
+                ? "/w" + std::to_string(info->GetPanose()->Get(qro_common::Panose::kWeight))
+                : "");
   }
   if (op == 'M') {
     return std::string(info->GetCharMetricsInfo() ? "c" : "-") +
