@@ -14,7 +14,6 @@
 #include "common/font_info/KerningInfo.h"
 #include "common/font_info/SingleCharMetricsRange.h"
 #include "common/font_info/SingleDefaultFontRange.h"
-#include "tests/common/font_info/ByteSink.h"
 #include "tests/common/font_info/TableBuilders.h"
 #include "tests/support/Cases.h"
 #include "tests/support/TempDir.h"
@@ -22,8 +21,6 @@
 namespace {
 
 using font_info_test::addAdvance;
-using font_info_test::hex;
-using font_info_test::zeros;
 using kelfont_test::Case;
 using kelfont_test::cases;
 using kelfont_test::readFile;
@@ -93,6 +90,7 @@ TEST(FontInfoSerializer, RecordLines) {
   std::vector<std::unique_ptr<FontInfo>> owned;
   Infos table;
   std::vector<std::string> fields;
+  std::vector<size_t> ends;  // where each record ends in the table
   std::string golden = kHeader;
   for (const Case& c : cases("font_records.tsv")) {
     SCOPED_TRACE(c.line);
@@ -124,6 +122,7 @@ TEST(FontInfoSerializer, RecordLines) {
       char length[8];
       snprintf(length, sizeof length, "%04zx", c[1].size());
       golden += length + c[1];
+      ends.push_back(golden.size());
     }
   }
   // Ten or more names: the count is written in hex and read as its
@@ -166,6 +165,27 @@ TEST(FontInfoSerializer, RecordLines) {
   EXPECT_FALSE(stale.Read(list));
   EXPECT_TRUE(list.empty());
   EXPECT_FALSE(stale.IsVersionMatched());
+
+  // A cut table keeps the records that end before the cut; garbage gives none. What the
+  // caller's list held stays and does not count as read.
+  std::vector<std::string> texts = {std::string(64, 'f'), "0016ffTable Version 2.054\n",
+                                    kHeader + "ffff" + golden.substr(kHeader.size() + 4)};
+  for (size_t cut = 0; cut <= golden.size(); ++cut) texts.push_back(golden.substr(0, cut));
+  FontInfo held;
+  for (const std::string& text : texts) {
+    ASSERT_TRUE(writeFile(cache.table, text));
+    FontInfoSerializer cut(cache.base);
+    EXPECT_TRUE(cut.IsTableExists());
+    list = {&held};
+    const bool read = cut.Read(list);
+    size_t expected = 0;
+    for (size_t end : ends)
+      expected += golden.compare(0, text.size(), text) == 0 && end <= text.size();
+    EXPECT_EQ(list.size(), expected + 1) << text.size();
+    EXPECT_EQ(read, expected > 0) << text.size();
+    list.erase(list.begin());
+    deleteAll(list);
+  }
 }
 
 // The lines of tests/data/font_data_files.tsv: what data files read as.
@@ -175,7 +195,7 @@ TEST(FontInfoSerializer, DataFileLines) {
   for (const Case& c : cases("font_data_files.tsv")) {
     SCOPED_TRACE(c.line);
     std::remove(cache.data(9).c_str());
-    ASSERT_TRUE(c[0] == "none" || writeFile(cache.data(9), hex(c[0])));
+    ASSERT_TRUE(c[0] == "none" || writeFile(cache.data(9), kelfont_test::unhex(c[0])));
     FontInfo info;
     info.SetInfoIndex(9);
     auto* metrics = new CharMetricsInfo();
@@ -200,7 +220,8 @@ TEST(FontInfoSerializer, DataFileLines) {
     if (c[3] == "same") {
       std::remove(cache.data(9).c_str());
       ASSERT_TRUE(serializer.WriteData(info));
-      EXPECT_EQ(kelfont_test::escape(readFile(cache.data(9))), kelfont_test::escape(hex(c[0])));
+      EXPECT_EQ(kelfont_test::escape(readFile(cache.data(9))),
+                kelfont_test::escape(kelfont_test::unhex(c[0])));
     }
   }
   // No tables: no file; an advance table without entries: 128 empty slots.
@@ -211,7 +232,7 @@ TEST(FontInfoSerializer, DataFileLines) {
   info.SetCharMetricsInfo(new CharMetricsInfo());
   EXPECT_TRUE(serializer.WriteData(info));
   EXPECT_TRUE(serializer.IsDataFile(info));
-  EXPECT_EQ(readFile(cache.data(3)), zeros(128));
+  EXPECT_EQ(readFile(cache.data(3)), std::string(128, '\0'));
   std::string path = "prefix:";
   serializer.MakeFontInfoDataFilePath(info, path);
   EXPECT_EQ(path, "prefix:" + cache.base + "FInfo/Fdata/3");
@@ -265,40 +286,6 @@ TEST(FontInfoSerializer, DirectoryTimesAMissingDirectoryAndTwelveDirectories) {
   ASSERT_TRUE(many.ReadHeader());
   EXPECT_TRUE(many.GetFontDirectoryTimes().empty());
   EXPECT_TRUE(many.IsModified(twelve));
-}
-
-TEST(FontInfoSerializer, TruncatedTablesKeepTheRecordsThatParseAndGarbageGivesNone) {
-  Cache cache;
-  FontInfoSerializer serializer(cache.base);
-  FontInfo full, blank;
-  std::string record = cases("font_records.tsv")[0][1];
-  ASSERT_TRUE(serializer.Read(full, record));
-  Infos two = {&full, &blank};
-  Directories none;
-  ASSERT_TRUE(serializer.Write(two, none));
-  const std::string table = readFile(cache.table);
-  const size_t secondStart = table.find("0021011");
-  ASSERT_NE(secondStart, std::string::npos);
-  for (size_t cut = 1; cut <= table.size(); ++cut) {
-    ASSERT_TRUE(writeFile(cache.table, table.substr(0, cut)));
-    Infos list;
-    bool read = FontInfoSerializer(cache.base).Read(list);
-    size_t expected = cut < secondStart ? 0 : cut < table.size() ? 1 : 2;
-    EXPECT_EQ(list.size(), expected) << cut;
-    EXPECT_EQ(read, expected > 0) << cut;
-    deleteAll(list);
-  }
-  for (const std::string& garbage :
-       {std::string(64, 'f'), kHeader + "ffff" + table.substr(kHeader.size() + 4),
-        std::string("0016ffTable Version 2.054\n"), std::string()}) {
-    ASSERT_TRUE(writeFile(cache.table, garbage));
-    FontInfoSerializer reader(cache.base);
-    EXPECT_TRUE(reader.IsTableExists());
-    // What the caller's list already held does not count as read.
-    Infos list{&blank};
-    EXPECT_FALSE(reader.Read(list));
-    EXPECT_EQ(list.size(), 1u);
-  }
 }
 
 // No table or "fi" yet: nothing reads, the folders are made. "fi"

@@ -8,7 +8,6 @@
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/Font.h"
 #include "common/font_info/FontInfo.h"
-#include "common/font_info/KerningInfo.h"
 #include "common/font_info/Storage.h"
 
 namespace {
@@ -16,8 +15,6 @@ namespace {
 using qro_common::CharMetricsInfo;
 using qro_common::Font;
 using qro_common::FontInfo;
-using qro_common::KerningInfo;
-using qro_common::Panose;
 using qro_common::Sig;
 
 // A CharMetricsInfo that reports its destruction.
@@ -74,45 +71,6 @@ TEST(FontInfo, SettersDeleteWhatTheyReplaceButNotTheSameObject) {
     EXPECT_FALSE(secondGone);
   }
   EXPECT_TRUE(secondGone);
-}
-
-// Update copies the description (a copy of PANOSE and signature, family,
-// alternate name, flags, pitch) but not the name, metrics, index or names;
-// what the source lacks the target keeps. Valid means PANOSE and signature.
-TEST(FontInfo, UpdateCopiesTheDescriptionOnly) {
-  FontInfo target, empty;
-  target.SetFontName(new std::string("Target"));
-  target.SetFamilyName(new std::string("Old family"));
-  target.SetFontMetrics(new qro_common::FontMetrics(800, -200, 0, 1000));
-  target.SetInfoIndex(4);
-  target.AddLocalizedName(0x0412, "name");
-  FontInfo source;
-  source.SetFamilyName(new std::string("New family"));
-  source.SetAlternateName(new std::string("Alt"));
-  source.SetPanose(new Panose());
-  source.GetPanose()->Set(Panose::kWeight, 7);
-  EXPECT_FALSE(source.IsValid());
-  source.SetSig(new Sig(1, 2, 3, 4, 5, 6));
-  source.SetPersisted(true);
-  source.SetPitch(2);
-  source.SetInfoIndex(9);
-  target.Update(source);
-  EXPECT_TRUE(target.IsPersisted());
-  EXPECT_EQ(target.GetPitch(), 2);
-  target.Update(empty);  // keeps PANOSE, signature and names; copies the flag and pitch
-  ASSERT_TRUE(target.IsValid());
-  EXPECT_NE(target.GetPanose(), source.GetPanose());
-  EXPECT_EQ(target.GetPanose()->Get(Panose::kWeight), 7);
-  EXPECT_NE(target.GetSig(), source.GetSig());
-  EXPECT_EQ(target.GetSig()->GetCodePageRange(2), 6u);
-  EXPECT_EQ(*target.GetFamilyName(), "New family");
-  EXPECT_EQ(*target.GetAlternateName(), "Alt");
-  EXPECT_FALSE(target.IsPersisted());
-  EXPECT_EQ(target.GetPitch(), empty.GetPitch());
-  EXPECT_EQ(*target.GetFontName(), "Target");
-  EXPECT_EQ(target.GetFontMetrics()->GetAscender(), 800);
-  EXPECT_EQ(target.GetInfoIndex(), 4);
-  EXPECT_EQ(target.GetLocalizedNames().size(), 1u);
 }
 
 }  // namespace

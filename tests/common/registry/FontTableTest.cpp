@@ -1,8 +1,10 @@
 // A font table, and the style slots of one font, driven by the steps of
 // tests/data/font_tables.tsv.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -13,7 +15,10 @@
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontInfoSerializer.h"
 #include "common/font_info/KerningInfo.h"
+#include "common/registry/DefaultFontsReader.h"
+#include "common/registry/FontChainReader.h"
 #include "common/registry/FontTable.h"
+#include "common/registry/ScriptDefaultFontsReader.h"
 #include "common/registry/StyledFontInfoList.h"
 #include "tests/support/Cases.h"
 #include "tests/support/TempDir.h"
@@ -45,14 +50,16 @@ FontInfo* face(const std::string& text) {
     const std::string& o = options[i];
     const std::string value = o.substr(o.find('=') + 1);
     if (o == "cjk") info->SetCJK(true);
-    if (o == "valid") {
-      info->SetPanose(new qro_common::Panose());
-      info->SetSig(new qro_common::Sig(1, 0, 0, 0, 1, 0));
-      info->SetFamilyName(new std::string(name + " Family"));
-    }
+    if (o == "valid" || o == "panose") info->SetPanose(new qro_common::Panose());
+    if (o == "panose") info->GetPanose()->Set(qro_common::Panose::kWeight, 7);
+    if (o == "valid" || o == "sig") info->SetSig(new qro_common::Sig(1, 0, 0, 0, 1, 0));
+    if (o == "valid") info->SetFamilyName(new std::string(name + " Family"));
+    if (o.rfind("alt=", 0) == 0) info->SetAlternateName(new std::string(value));
+    if (o.rfind("pitch=", 0) == 0) info->SetPitch(static_cast<unsigned char>(std::stoi(value)));
+    if (o == "persisted") info->SetPersisted(true);
     if (o.rfind("fam=", 0) == 0) info->SetFamilyName(new std::string(value));
     if (o.rfind("state=", 0) == 0) info->SetScanState(static_cast<unsigned char>(std::stoi(value)));
-    if (isxdigit(static_cast<unsigned char>(o[0])))
+    if (isdigit(static_cast<unsigned char>(o[0])))
       info->AddLocalizedName(std::stoi(o, nullptr, 16), value);
   }
   return info;
@@ -88,7 +95,55 @@ struct State {
   qro_common::FontTable table;
   std::unique_ptr<StyledFontInfoList> list;      // the slots of a font alone
   std::vector<std::unique_ptr<FontInfo>> faces;  // the faces made for it
+  std::map<int, std::vector<int>*> chains;
 };
+
+// A list read from its file ("fc", "df", "sf"): the chains as "KEY:MEMBER,...;...", the default
+// fonts as "FONT,...", the script entries as "NUMBER=FONT ..."; "*" marks a font without file.
+// "!" for ":": the list is missing from a folder not made yet; "made" when the reader made it.
+std::string readList(State& state, const std::string& s, const std::string& base) {
+  static int fresh = 0;
+  std::string data = s[2] == '!' ? base + "new" + std::to_string(++fresh) + "/" : base;
+  std::string path = data + "FInfo/" + s.substr(0, 2), out;
+  mkdir((base + "FInfo").c_str(), 0775);
+  if (s[2] == ':') kelfont_test::writeFile(path, kelfont_test::expand(s.substr(3)));
+  auto name = [&state](int font) {
+    const qro_common::Font* f = state.table.GetFont(font);
+    return f->GetName() + (f->IsWithoutFile() ? "*" : "");
+  };
+  bool exists = false;
+  if (s[0] == 'f') {
+    qro_common::FontChainReader reader(data);
+    std::string line = "Arial";
+    reader.BuildFontChain(line);  // outside Read() a line changes nothing
+    out = reader.Read(state.table, state.chains) && line == "Arial" ? "" : "failed";
+    for (auto& [key, members] : state.chains) {
+      out += (out.empty() ? "" : ";") + name(key) + ":";
+      for (size_t i = 0; i < members->size(); ++i) out += (i ? "," : "") + name((*members)[i]);
+      delete members;
+    }
+    state.chains.clear();
+  } else if (s[0] == 'd') {
+    qro_common::DefaultFontsReader reader(data);
+    exists = reader.IsFileExists();
+    std::unique_ptr<std::vector<int>> fonts(reader.Read(state.table));
+    for (size_t i = 0; fonts && i < fonts->size(); ++i) out += (i ? "," : "") + name((*fonts)[i]);
+    if (!fonts) out = "null";
+  } else {
+    qro_common::ScriptDefaultFontsReader reader(path);
+    exists = reader.IsFileExists();
+    const std::vector<int>* entries = reader.Read(state.table);
+    for (size_t i = 0; i < entries->size(); ++i) {
+      if ((*entries)[i] != -1)
+        out += (out.empty() ? "" : " ") + std::to_string(i) + "=" + name((*entries)[i]);
+    }
+    if (entries->size() != 128) out = "size " + std::to_string(entries->size());
+  }
+  struct stat st;
+  const bool made = stat((s[0] == 's' ? path : data).c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+  if (out.empty()) out = "-";
+  return s[2] == '!' ? out + (made ? " made" : "") + (exists ? " exists" : "") : out;
+}
 
 std::string step(State& state, const std::string& s, const std::string& base) {
   qro_common::FontTable& table = state.table;
@@ -96,7 +151,18 @@ std::string step(State& state, const std::string& s, const std::string& base) {
   const int n = rest.empty() || !(isdigit(rest[0]) || rest[0] == '-') ? 0 : std::stoi(rest);
   FontInfo* info = table.GetFontInfo(n);
   auto text = [](const std::string* value) { return value ? *value : std::string("-"); };
+  if (s.size() > 2 && (s[2] == ':' || s[2] == '!')) return readList(state, s, base);
   const char op = s[0];
+  if (op == 'c') {  // cKEY:MEMBER: a chain already there
+    state.chains[table.GetFontIndex(rest.substr(0, rest.find(':')))] =
+        new std::vector<int>{table.GetFontIndex(rest.substr(rest.find(':') + 1))};
+    return ".";
+  }
+  if (op == 'N') {  // NNAME,...: fonts with a file and no style
+    for (const std::string& name : split(rest, ','))
+      table.RegisterFontInfo(face(name + "/-@/f"), false);
+    return ".";
+  }
   if (op == '+' || op == '*') {
     FontInfo* added = rest.empty() ? nullptr : face(rest);
     const int index = table.RegisterFontInfo(added, op == '*');
@@ -149,7 +215,11 @@ std::string step(State& state, const std::string& s, const std::string& base) {
     return std::to_string(info->GetInfoIndex()) + ":" + text(info->GetFontName()) + "/" +
            text(info->GetStyleName()) + "/" + text(info->GetFamilyName()) + "/" +
            text(info->GetFilePath()) + "/s" + std::to_string(info->GetScanState()) + "/" +
-           (info->IsValid() ? "v" : "-");
+           (info->IsValid() ? "v" : "-") + "/" + text(info->GetAlternateName()) + "/p" +
+           std::to_string(info->GetPitch()) + (info->IsPersisted() ? "P" : "") +
+           (info->GetPanose()
+                ? "/w" + std::to_string(info->GetPanose()->Get(qro_common::Panose::kWeight))
+                : "");
   }
   if (op == 'M') {
     return std::string(info->GetCharMetricsInfo() ? "c" : "-") +

@@ -1,6 +1,8 @@
-// A face's advance table driven by the steps of tests/data/advance_tables.tsv.
+// A face's tables (advances, default fonts, kerning) driven by the steps of
+// tests/data/face_tables.tsv.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -9,19 +11,52 @@
 #include <string>
 #include <vector>
 
+#include "base/MemoryInputStream.h"
+#include "base/OutputStream.h"
 #include "common/analysis/FontUSBType.h"
 #include "common/font_info/CharMetricsInfo.h"
+#include "common/font_info/DefaultFontInfo.h"
+#include "common/font_info/KerningInfo.h"
 #include "common/font_info/MultiCharMetricsRange.h"
+#include "common/font_info/MultiDefaultFontRange.h"
 #include "common/font_info/SingleCharMetricsRange.h"
 #include "common/font_info/ZippedCharMetricsRange.h"
-#include "tests/common/font_info/ByteSink.h"
 #include "tests/common/font_info/TableBuilders.h"
 #include "tests/support/Cases.h"
 
 namespace {
 
 using namespace qro_common;
-using font_info_test::ByteSink;
+
+// Collects written bytes; refuses writes once `limit` bytes were taken.
+class ByteSink : public qro_base::OutputStream {
+ public:
+  explicit ByteSink(size_t limit = std::string::npos) : limit_(limit) { open_ = true; }
+  bool Write(char c) override { return Write(&c, 1); }
+  bool Write(const char* buffer, unsigned count) override {
+    if (bytes.size() + count > limit_) return false;
+    bytes.append(buffer, count);
+    return true;
+  }
+  bool Close() override { return true; }
+  std::string bytes;
+
+ private:
+  size_t limit_;
+};
+
+// An input stream over its own copy of some bytes.
+struct Source {
+  explicit Source(const std::string& text) : bytes(text) {}
+  std::string bytes;
+  qro_base::MemoryInputStream in{bytes.data(), static_cast<unsigned>(bytes.size())};
+};
+
+std::string named(RangeTableRead read) {
+  return read == RangeTableRead::kLoaded  ? "."
+         : read == RangeTableRead::kEmpty ? "empty"
+                                          : "damaged";
+}
 
 unsigned hexNumber(const std::string& text) {
   return static_cast<unsigned>(std::stoul(text, nullptr, 16));
@@ -37,7 +72,7 @@ std::string hexBytes(const std::string& bytes) {
   return out;
 }
 
-using Model = std::map<unsigned, unsigned short>;  // every advance added and not cleared
+using Model = std::map<unsigned, unsigned short>;
 
 // The single range holding a code, its first and last code.
 SingleCharMetricsRange* singleOf(CharMetricsInfo& info, unsigned code, int* first, int* last) {
@@ -78,13 +113,94 @@ std::string sameAsModel(CharMetricsInfo& info, unsigned code, const Model& model
   ByteSink out, again;
   if (range->GetPresentCount() != std::distance(begin, end) || !range->Write(out)) return "count";
   if (out.bytes != body) return hexBytes(out.bytes);
-  std::string read = out.bytes.substr(1);
-  auto in = font_info_test::source(read);
+  Source read(out.bytes.substr(1));
   SingleCharMetricsRange copy(-1, -1);
-  return copy.Read(in) && copy.Write(again) && again.bytes == body ? "." : "reread";
+  return copy.Read(read.in) && copy.Write(again) && again.bytes == body ? "." : "reread";
 }
 
-std::string step(std::unique_ptr<CharMetricsInfo>& info, const std::string& s, Model& model) {
+// The bytes `write` puts out, in hex; a stream refusing the last of them fails the write, and
+// every shorter part of them reads as damaged.
+std::string written(const std::function<bool(qro_base::OutputStream&)>& write,
+                    const std::function<bool(const std::string&)>& damaged,
+                    std::string* bytes = nullptr) {
+  ByteSink out;
+  if (!write(out)) return "refused";
+  ByteSink shorter(out.bytes.size() - 1);
+  if (write(shorter)) return "unrefused";
+  for (size_t cut = 0; cut < out.bytes.size(); ++cut) {
+    if (!damaged(out.bytes.substr(0, cut))) return "read " + std::to_string(cut);
+  }
+  if (bytes) *bytes = out.bytes;
+  return hexBytes(out.bytes);
+}
+
+// Default fonts: CODE=FONT (a negative FONT -N puts an empty range of the code's block in slot
+// N), ?CODE or ?SLOT/SUB:CODE (a block's range asked directly), W, rHEX.
+std::string defaultsStep(DefaultFontInfo& fonts, const std::string& s) {
+  auto damaged = [](const std::string& bytes) {
+    Source from(bytes);
+    DefaultFontInfo read;
+    return read.ReadChecked(from.in) == RangeTableRead::kDamaged && read.GetFontIndex(0x41) == -1;
+  };
+  if (s == "W")
+    return written([&](qro_base::OutputStream& out) { return fonts.Write(out); }, damaged);
+  if (s[0] == 'r') {
+    Source from(kelfont_test::unhex(s.substr(1)));
+    const RangeTableRead read = fonts.ReadChecked(from.in);
+    return read != RangeTableRead::kLoaded && fonts.GetFontIndex(0x41) != -1 ? "answers"
+                                                                             : named(read);
+  }
+  const size_t colon = s.find(':');
+  int font = 0;
+  if (s[0] == '?' && colon == std::string::npos) font = fonts.GetFontIndex(hexNumber(s.substr(1)));
+  if (s[0] == '?' && colon != std::string::npos) {
+    auto* multi = static_cast<MultiDefaultFontRange*>(
+        fonts.GetDefaultFontRange(static_cast<unsigned char>(std::stoi(s.substr(1)))));
+    const DefaultFontRange* sub = multi->GetDefaultFontRange(std::stoi(s.substr(s.find('/') + 1)));
+    font = sub ? sub->Get(hexNumber(s.substr(colon + 1))) : -1;
+  }
+  if (s[0] == '?') return font < 0 ? "-" : std::to_string(font);
+  const unsigned code = hexNumber(s);
+  font = std::stoi(s.substr(s.find('=') + 1));
+  if (font < 0) {
+    fonts.SetDefaultFontRange(static_cast<unsigned char>(-font),
+                              new SingleDefaultFontRange(code, code + 0x7F));
+  }
+  return font < 0 || font_info_test::addDefaultFont(fonts, code, static_cast<short>(font))
+             ? "."
+             : "refused";
+}
+
+// Kerning: LEFT,RIGHT=DELTA (the pairs then), ?LEFT,RIGHT (the delta), W, rHEX.
+std::string kerningStep(KerningInfo& kerning, const std::string& s) {
+  auto damaged = [](const std::string& bytes) {
+    Source from(bytes);
+    return !KerningInfo().Read(from.in);
+  };
+  if (s == "W")
+    return written([&](qro_base::OutputStream& out) { return kerning.Write(out); }, damaged);
+  if (s[0] == 'r') {
+    Source from(kelfont_test::unhex(s.substr(1)));
+    return kerning.Read(from.in) ? std::to_string(kerning.GetCount()) : "damaged";
+  }
+  const int left = std::stoi(s.substr(s[0] == '?')), right = std::stoi(s.substr(s.find(',') + 1));
+  if (s[0] == '?') return std::to_string(kerning.GetDelta(left, right));
+  kerning.Register(left, right, static_cast<short>(std::stoi(s.substr(s.find('=') + 1))));
+  return std::to_string(kerning.GetCount());
+}
+
+struct State {
+  std::unique_ptr<CharMetricsInfo> info{new CharMetricsInfo()};
+  Model model;  // every advance added and not cleared
+  DefaultFontInfo fonts;
+  KerningInfo kerning;
+};
+
+std::string step(State& state, const std::string& s) {
+  std::unique_ptr<CharMetricsInfo>& info = state.info;
+  Model& model = state.model;
+  if (s[0] == 'n') return defaultsStep(state.fonts, s.substr(1));
+  if (s[0] == 'K') return kerningStep(state.kerning, s.substr(1));
   std::vector<std::string> a;
   std::istringstream parts(s.substr(1));
   for (std::string part; std::getline(parts, part, ',');) a.push_back(part);
@@ -136,28 +252,38 @@ std::string step(std::unique_ptr<CharMetricsInfo>& info, const std::string& s, M
   ByteSink out(op == 'l' ? std::stoul(a[0]) : std::string::npos);
   if (op == 'b') return range->Write(out) ? hexBytes(out.bytes) : "refused";
   if (op == 'l') return std::to_string(info->Write(out));  // into a stream refusing past N bytes
-  if (op == 'w') {  // written and read back into a new table; every cut of the bytes is damage
-    if (!info->Write(out)) return "refused";
-    for (size_t cut = 0; cut < out.bytes.size(); ++cut) {
-      std::string part = out.bytes.substr(0, cut);
-      auto in = font_info_test::source(part);
-      CharMetricsInfo copy;
-      if (copy.ReadChecked(in) != CharMetricsInfo::ReadResult::kDamaged)
-        return "read " + std::to_string(cut);
-      for (int usb = 0; usb < 128; ++usb) {
-        if (copy.GetCharMetricsRange(static_cast<unsigned char>(usb)))
-          return "left " + std::to_string(cut);
-      }
+  auto damaged = [](const std::string& bytes) {            // and leaves no range
+    Source from(bytes);
+    CharMetricsInfo copy;
+    const bool result = copy.ReadChecked(from.in) == RangeTableRead::kDamaged;
+    for (int usb = 0; usb < 128; ++usb) {
+      if (copy.GetCharMetricsRange(static_cast<unsigned char>(usb))) return false;
     }
-    auto in = font_info_test::source(out.bytes);
+    return result;
+  };
+  const auto write = [&info](qro_base::OutputStream& sink) { return info->Write(sink); };
+  if (op == 'W') return written(write, damaged);
+  if (op == 'w') {  // written and read back into a new table
+    std::string bytes;
+    const std::string said = written(write, damaged, &bytes);
+    Source from(bytes);
     info.reset(new CharMetricsInfo());
-    return info->Read(in) && in.Available() == 0 ? "." : "unread";
+    return bytes.empty() ? said : info->Read(from.in) && !from.in.Available() ? "." : "unread";
   }
-  if (op == 'r') {  // reads these bytes over what the table holds
-    std::string bytes = kelfont_test::unhex(a[0]);
-    auto in = font_info_test::source(bytes);
-    const bool read = info->Read(in);
-    return std::to_string(read) + std::to_string(in.Available());
+  if (op == 'r') {  // reads these bytes over what the table holds (" left": not all of them)
+    Source from(kelfont_test::unhex(a[0]));
+    const std::string read = named(info->ReadChecked(from.in));
+    return read + (from.in.Available() ? " left" : "");
+  }
+  if (op == 'R') {  // RKIND,HEX: a lone range read (Single, Zipped, Multi), put in slot 0
+    std::unique_ptr<CharMetricsRange> range;
+    if (a[0] == "S") range.reset(new SingleCharMetricsRange(-1, -1));
+    if (a[0] == "Z") range.reset(new ZippedCharMetricsRange());
+    if (a[0] == "M") range.reset(new MultiCharMetricsRange(-1));
+    Source from(kelfont_test::unhex(a[1]));
+    if (!range->Read(from.in)) return range->Get(0) ? "answers" : "damaged";
+    info->SetCharMetricsRange(0, range.release());
+    return ".";
   }
   if (op == 's' || op == 'Z') {
     first = static_cast<int>(hexNumber(a[1]));
@@ -194,15 +320,13 @@ std::string step(std::unique_ptr<CharMetricsInfo>& info, const std::string& s, M
   return std::string("sZmzck").find(op) != std::string::npos ? "." : "unknown step " + s;
 }
 
-TEST(CharMetricsInfo, Steps) {
-  for (const kelfont_test::Case& c : kelfont_test::cases("advance_tables.tsv")) {
-    std::unique_ptr<CharMetricsInfo> info(new CharMetricsInfo());
-    Model model;
-    std::istringstream steps(c[0]);
-    std::string said;
-    for (std::string s; steps >> s;) said += (said.empty() ? "" : " ") + step(info, s, model);
-    EXPECT_EQ(said, c[1]) << c.line;
+TEST(FaceTables, Steps) {
+  for (const kelfont_test::Case& c : kelfont_test::cases("face_tables.tsv")) {
+    State state;
+    kelfont_test::expectCalls(
+        c, 0, [&state](const std::string& s, std::ostream& said) { said << step(state, s); });
   }
+  EXPECT_THROW(DefaultFontInfo().GetDefaultFontRange(128), std::out_of_range);
 }
 
 }  // namespace
