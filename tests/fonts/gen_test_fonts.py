@@ -8,7 +8,6 @@ import io
 import json
 import logging
 import os
-import struct
 import sys
 
 try:
@@ -171,8 +170,7 @@ def make_font(d):
     if d.get("fea"):
         fb.addOpenTypeFeatures("\n".join(d["fea"]))
     data = font_bytes(fb.font)
-    data = edit(data, d) if {"tables", "cut", "drop", "rename"} & set(d) else data
-    return overrun(data, order.index(mapping[int(d["overrun"], 16)])) if "overrun" in d else data
+    return edit(data, d) if {"tables", "cut", "patch", "drop", "rename"} & set(d) else data
 
 
 def font_bytes(font):
@@ -183,11 +181,14 @@ def font_bytes(font):
 
 def edit(data, d):
     """The tables as written, less "drop", renamed by "rename", cut to their first bytes by
-    "cut", and the raw "tables" (hex) added."""
+    "cut", overwritten at an offset by "patch" ([offset, hex]), and the raw "tables" (hex)
+    added."""
     reader = TTFont(io.BytesIO(data)).reader
     tables = {d.get("rename", {}).get(tag, tag): reader[tag] for tag in reader.keys()
               if tag not in d.get("drop", ())}
     tables.update({tag: tables[tag][:size] for tag, size in d.get("cut", {}).items()})
+    for tag, (at, text) in d.get("patch", {}).items():
+        tables[tag] = tables[tag][:at] + bytes.fromhex(text) + tables[tag][at + len(text) // 2:]
     tables.update({tag: bytes.fromhex(text) for tag, text in d.get("tables", {}).items()})
     out = io.BytesIO()
     writer = SFNTWriter(out, len(tables), sfntVersion=reader.sfntVersion)
@@ -241,14 +242,6 @@ def describe(font, face_index):
                               for p in range(start, end + 1))
             lines.append("contour %d %d %s" % (i, end + 1 - start, points))
     return lines
-
-
-def overrun(data, glyph_id):
-    """The glyph's only contour ends at point 200: its flags and coordinates run past its data."""
-    font = TTFont(io.BytesIO(data))
-    at = font.reader.tables["glyf"].offset + font["loca"][glyph_id]
-    assert struct.unpack(">h", data[at:at + 2])[0] == 1
-    return data[:at + 10] + struct.pack(">H", 200) + data[at + 12:]
 
 
 def variable(d):
