@@ -8,7 +8,6 @@ import io
 import json
 import logging
 import os
-import struct
 import sys
 
 try:
@@ -19,7 +18,6 @@ try:
     from fontTools.pens.ttGlyphPen import TTGlyphPen
     from fontTools.ttLib import TTCollection, TTFont, newTable
     from fontTools.ttLib.sfnt import SFNTWriter
-    from fontTools.ttLib.tables.DefaultTable import DefaultTable
     from fontTools.ttLib.tables.O_S_2f_2 import Panose
     from fontTools.ttLib.tables._f_v_a_r import NamedInstance
     from fontTools.ttLib.tables._g_l_y_f import USE_MY_METRICS
@@ -157,10 +155,6 @@ def make_font(d):
     if d.get("post", True):
         fb.setupPost(keepGlyphNames=d.get("glyph_names", True),
                      isFixedPitch=d.get("fixed_pitch", 0))
-    if "pclt_pitch" in d:  # fontTools has no class for PCLT
-        data = struct.pack(">LLHHHHHH", 0x00010000, 0, d["pclt_pitch"], 700, 0, 0, 1400, 0)
-        fb.font["PCLT"] = DefaultTable("PCLT")
-        fb.font["PCLT"].data = data + b"KelTest PCLT    " + b"\0" * 8 + b"KELTST" + b"\0" * 4
     fb.updateHead(created=TIMESTAMP, modified=TIMESTAMP,
                   macStyle=(1 if bold else 0) | (2 if italic else 0))
     if d.get("vertical"):
@@ -175,12 +169,8 @@ def make_font(d):
         fb.font["kern"].version, fb.font["kern"].kernTables = 0, [subtable]
     if d.get("fea"):
         fb.addOpenTypeFeatures("\n".join(d["fea"]))
-    for tag, size in d.get("cut", {}).items():  # the table cut to its first bytes
-        cut = DefaultTable(tag)
-        cut.data = fb.font.getTableData(tag)[:size]
-        fb.font[tag] = cut
     data = font_bytes(fb.font)
-    return overrun(data, order.index(mapping[int(d["overrun"], 16)])) if "overrun" in d else data
+    return edit(data, d) if {"tables", "cut", "patch", "drop", "rename"} & set(d) else data
 
 
 def font_bytes(font):
@@ -189,29 +179,23 @@ def font_bytes(font):
     return data.getvalue()
 
 
-def without_head(d):
-    """An sfnt whose header is `bhed` (no `head`): FreeType opens such a font only
-    as an Apple bitmap font, so the outlines give way to one strike of 1x1
-    bitmaps; FreeType then reads neither hhea, hmtx nor OS/2 (they are there)."""
-    font = TTFont(io.BytesIO(make_font(d)))
-    tables = {tag: font.reader[tag] for tag in font.reader.keys()
-              if tag not in ("head", "glyf", "loca", "maxp")}
-    n = len(font.getGlyphOrder())
-    tables["bhed"] = font.reader["head"]
-    tables["maxp"] = struct.pack(">LH", 0x00005000, n)
-    line_metrics = struct.pack(">bbBbbbbbbbbb", 12, -4, 16, 1, 0, 0, 0, 0, 12, -4, 0, 0)
-    tables["EBLC"] = (struct.pack(">LLLLLL", 0x00020000, 1, 56, 20 + 4 * n, 1, 0)
-                      + line_metrics * 2 + struct.pack(">HHBBBbHHLHHL", 0, n - 1, 16, 16, 1, 1,
-                                                       0, n - 1, 8, 1, 1, 4)
-                      + b"".join(struct.pack(">L", 6 * i) for i in range(n + 1)))
-    tables["EBDT"] = struct.pack(">L", 0x00020000) + b"".join(
-        struct.pack(">BBbbB", 1, 1, 0, 1, 5 + i) + b"\x80" for i in range(n))
-    data = io.BytesIO()
-    writer = SFNTWriter(data, len(tables), sfntVersion="\0\1\0\0")
+def edit(data, d):
+    """The tables as written, less "drop", renamed by "rename", cut to their first bytes by
+    "cut", overwritten at an offset by "patch" ([offset, hex]), and the raw "tables" (hex)
+    added."""
+    reader = TTFont(io.BytesIO(data)).reader
+    tables = {d.get("rename", {}).get(tag, tag): reader[tag] for tag in reader.keys()
+              if tag not in d.get("drop", ())}
+    tables.update({tag: tables[tag][:size] for tag, size in d.get("cut", {}).items()})
+    for tag, (at, text) in d.get("patch", {}).items():
+        tables[tag] = tables[tag][:at] + bytes.fromhex(text) + tables[tag][at + len(text) // 2:]
+    tables.update({tag: bytes.fromhex(text) for tag, text in d.get("tables", {}).items()})
+    out = io.BytesIO()
+    writer = SFNTWriter(out, len(tables), sfntVersion=reader.sfntVersion)
     for tag in sorted(tables):
         writer[tag] = tables[tag]
     writer.close()
-    return data.getvalue()
+    return out.getvalue()
 
 
 def cmap_of(font):
@@ -227,7 +211,7 @@ def cmap_of(font):
 def describe(font, face_index):
     order = font.getGlyphOrder()
     hmtx = font["hmtx"].metrics
-    lines = ["face %d" % face_index, "numGlyphs %d" % len(order), "head %d" % ("head" in font)]
+    lines = ["face %d" % face_index, "head %d" % ("head" in font)]
     if "head" in font:
         lines.append("unitsPerEm %d" % font["head"].unitsPerEm)
     hhea = font["hhea"]
@@ -240,8 +224,6 @@ def describe(font, face_index):
                   "codePageRange %d %d" % (os2.ulCodePageRange1, os2.ulCodePageRange2)]
     else:
         lines.append("os2 none")
-    lines += ["name %d %d %d %d %s" % (r.platformID, r.platEncID, r.langID, r.nameID,
-                                      r.toBytes().hex()) for r in font["name"].names]
     chars = sorted(cmap_of(font).items())
     lines += ["char %d %d %d" % (cp, font.getGlyphID(name), hmtx[name][0]) for cp, name in chars]
     lines += ["glyph %d %d" % (i, hmtx[name][0]) for i, name in enumerate(order)]
@@ -260,14 +242,6 @@ def describe(font, face_index):
                               for p in range(start, end + 1))
             lines.append("contour %d %d %s" % (i, end + 1 - start, points))
     return lines
-
-
-def overrun(data, glyph_id):
-    """The glyph's only contour ends at point 200: its flags and coordinates run past its data."""
-    font = TTFont(io.BytesIO(data))
-    at = font.reader.tables["glyf"].offset + font["loca"][glyph_id]
-    assert struct.unpack(">h", data[at:at + 2])[0] == 1
-    return data[:at + 10] + struct.pack(">H", 200) + data[at + 12:]
 
 
 def variable(d):
@@ -289,36 +263,28 @@ def variable(d):
 
 
 def gpos_pairs(font):
-    """"LEFT RIGHT VALUE" of every non-zero printable-ASCII pair of the `kern` feature."""
-    table = font["GPOS"].table
-    assert {sub.Format for lookup in table.LookupList.Lookup for sub in lookup.SubTable} \
-        == {1, 2} and "kern" not in font
+    """"LEFT RIGHT VALUE" of every non-zero printable-ASCII pair of the `kern` feature: per
+    lookup, the value of the first subtable that covers the left glyph and has the pair."""
+    table, names = font["GPOS"].table, font.getBestCmap()
     lookups = [table.LookupList.Lookup[i] for i in sorted(
         {i for record in table.FeatureList.FeatureRecord if record.FeatureTag == "kern"
          for i in record.Feature.LookupListIndex})]
-    names = font.getBestCmap()
-    pairs = [(left, right, sum(pair_value(lookup, names[left], names[right])
+
+    def value(sub, left, right):  # None when the subtable does not have the pair
+        if left not in sub.Coverage.glyphs:
+            return None
+        if sub.Format == 1:
+            found = [p.Value1 for p in sub.PairSet[sub.Coverage.glyphs.index(left)]
+                     .PairValueRecord if p.SecondGlyph == right]
+            return getattr(found[0], "XAdvance", 0) or 0 if found else None
+        return getattr(sub.Class1Record[sub.ClassDef1.classDefs.get(left, 0)].Class2Record[
+            sub.ClassDef2.classDefs.get(right, 0)].Value1, "XAdvance", 0) or 0
+
+    pairs = [(left, right, sum(next((v for v in (value(sub, names[left], names[right])
+                                                  for sub in lookup.SubTable) if v is not None), 0)
                                for lookup in lookups))
              for left in range(32, 127) for right in range(32, 127)]
     return ["%d %d %d" % pair for pair in pairs if pair[2]]
-
-
-def pair_value(lookup, left, right):
-    """The value of the first subtable that covers the left glyph and has the pair."""
-    for sub in lookup.SubTable:
-        if left not in sub.Coverage.glyphs:
-            continue
-        if sub.Format == 1:
-            pairs = sub.PairSet[sub.Coverage.glyphs.index(left)].PairValueRecord
-            found = [p.Value1 for p in pairs if p.SecondGlyph == right]
-            if not found:
-                continue
-            value = found[0]
-        else:
-            value = sub.Class1Record[sub.ClassDef1.classDefs.get(left, 0)].Class2Record[
-                sub.ClassDef2.classDefs.get(right, 0)].Value1
-        return getattr(value, "XAdvance", 0) or 0
-    return 0
 
 
 def main(out_dir):
@@ -340,8 +306,7 @@ def main(out_dir):
             collection.save(path)
         else:
             with open(path, "wb") as f:
-                f.write(variable(d) if "masters" in d else
-                        without_head(d) if d.get("nohead") else make_font(d))
+                f.write(variable(d) if "masters" in d else make_font(d))
         expect = d.get("expect", "records")
         if expect == "pairs":
             lines = gpos_pairs(TTFont(path))

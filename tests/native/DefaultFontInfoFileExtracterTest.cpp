@@ -1,7 +1,6 @@
 // Extraction from the default package, driven by tests/data/package_extraction.tsv.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <zlib.h>
 
 #include <cstdio>
 #include <map>
@@ -22,24 +21,6 @@ using kelfont_test::readFile;
 using kelfont_test::writeFile;
 using qro_ni::DefaultFontInfoFileExtracter;
 
-std::string le16(unsigned v) { return {static_cast<char>(v & 0xFF), static_cast<char>(v >> 8)}; }
-std::string le32(unsigned long v) { return le16(v & 0xFFFF) + le16((v >> 16) & 0xFFFF); }
-
-// A one-entry archive, stored, whose headers claim `claimed` bytes for
-// `data` (written by hand: the library's writer cannot lie).
-std::string lyingArchive(const std::string& name, const std::string& data, unsigned long claimed) {
-  unsigned long crc =
-      crc32(0, reinterpret_cast<const Bytef*>(data.data()), static_cast<uInt>(data.size()));
-  std::string sizes = le32(crc) + le32(claimed) + le32(claimed);
-  std::string local = "PK\x03\x04" + le16(10) + le16(0) + le16(0) + le32(0) + sizes +
-                      le16(static_cast<unsigned>(name.size())) + le16(0) + name + data;
-  std::string central = "PK\x01\x02" + le16(10) + le16(10) + le16(0) + le16(0) + le32(0) + sizes +
-                        le16(static_cast<unsigned>(name.size())) + le16(0) + le16(0) + le16(0) +
-                        le16(0) + le32(0) + le32(0) + name;
-  return local + central + "PK\x05\x06" + le16(0) + le16(0) + le16(1) + le16(1) +
-         le32(central.size()) + le32(local.size()) + le16(0);
-}
-
 // "@binary": every byte value three times; "@big": more than one inflater block.
 std::string value(const std::string& text) {
   std::string out;
@@ -51,25 +32,15 @@ std::string value(const std::string& text) {
   return out.empty() ? text : out;
 }
 
-// Writes DIR/qrfont.zip: NAME=VALUE entries ("|" or ";" between them), or a
-// package that is missing, no zip, cut short, lying about its size, or whose
-// entry has no local header.
+// Writes DIR/qrfont.zip: NAME=VALUE entries ("|" or ";" between them), or
+// "hex:" and the bytes of an archive written by hand ("{N*XX}": N copies), or nothing.
 std::map<std::string, std::string> writePackage(const std::string& dir, const std::string& what) {
   std::map<std::string, std::string> entries;
-  const std::string path = dir + "/qrfont.zip";
-  if (what == "missing") return entries;
-  if (what == "notzip" || what == "cut" || what == "nolocal") {
-    const std::string archive = lyingArchive("Ftable", "table", 5);
-    EXPECT_TRUE(writeFile(path, what == "cut"       ? archive.substr(0, 40)
-                                : what == "nolocal" ? "PK\x03\x05" + archive.substr(4)
-                                                    : "Ftable\nfc\n" + std::string(3000, 'P')));
-  }
-  if (what.rfind("lying:", 0) == 0) {
-    entries["Ftable"] = "table";
+  if (what.rfind("hex:", 0) == 0) {
     EXPECT_TRUE(
-        writeFile(path, lyingArchive("Ftable", "table", std::stoul(what.substr(6), nullptr, 0))));
+        writeFile(dir + "/qrfont.zip", kelfont_test::unhex(kelfont_test::expand(what.substr(4)))));
   }
-  if (what.find('=') == std::string::npos || what.rfind("lying:", 0) == 0) return entries;
+  if (what.find('=') == std::string::npos) return entries;
   kelfont_test::TestPackage package;
   std::istringstream in(what);
   for (std::string entry;

@@ -7,23 +7,16 @@
 #include <iterator>
 #include <sstream>
 
-#include "tests/support/Cases.h"
-
 namespace kelfont_test {
 
 namespace {
 
-std::string expectedFileFor(const std::string& fontFile) {
-  return testFontPath("expected_" + fontFile.substr(0, fontFile.rfind('.')) + ".txt");
-}
-
-// Parses one record into `face`; false when the line is malformed.
-// Records no test reads are skipped, so that the generator can grow.
+// Parses one record into `face`; false when the line is malformed. Records
+// no test reads are skipped, so that the generator can grow.
 bool parseRecord(const std::string& key, std::istringstream& in, ExpectedFace* face) {
   std::string text;
   std::uint32_t a = 0, b = 0;
   int value = 0;
-  if (key == "numGlyphs") in >> face->numGlyphs;
   if (key == "head") in >> face->hasHead;
   if (key == "unitsPerEm") in >> face->unitsPerEm;
   if (key == "hhea") in >> face->ascender >> face->descender >> face->lineGap;
@@ -35,26 +28,10 @@ bool parseRecord(const std::string& key, std::istringstream& in, ExpectedFace* f
   if (key == "codePageRange") {
     std::copy_n(std::istream_iterator<std::uint32_t>(in), 2, face->codePageRange.begin());
   }
-  if (key == "name") {
-    ExpectedName name;
-    in >> name.platform >> name.encoding >> name.language >> name.nameId >> text;
-    name.bytes = unhex(text);
-    face->names.push_back(name);
-  }
-  if (key == "char") {
-    in >> a >> b >> value;
-    face->chars[a] = {static_cast<int>(b), value};
-  }
-  if (key == "glyph") {
-    in >> a >> value;
-    face->glyphAdvances.push_back(value);
-  }
-  if (key == "kern") {
-    in >> a >> b >> value;
-    face->kerning[{a, b}] = value;
-  }
-  if (key == "contour") {
-    in >> a >> b;
+  if (key == "char" && in >> a >> b >> value) face->chars[a] = {static_cast<int>(b), value};
+  if (key == "glyph" && in >> a >> value) face->glyphAdvances.push_back(value);
+  if (key == "kern" && in >> a >> b >> value) face->kerning[{a, b}] = value;
+  if (key == "contour" && in >> a >> b) {
     std::vector<ExpectedPoint> contour(b);
     for (ExpectedPoint& p : contour) in >> p.x >> p.y >> value;
     face->outlines[static_cast<int>(a)].push_back(contour);
@@ -65,7 +42,8 @@ bool parseRecord(const std::string& key, std::istringstream& in, ExpectedFace* f
 // Every face of a generated font, in file order; none, with a reason in
 // *error, when the file cannot be opened or a line cannot be read.
 std::vector<ExpectedFace> loadFaces(const std::string& fontFile, std::string* error) {
-  const std::string path = expectedFileFor(fontFile);
+  const std::string path =
+      testFontPath("expected_" + fontFile.substr(0, fontFile.rfind('.')) + ".txt");
   std::ifstream in(path);
   if (!in) *error = "cannot open " + path;
   std::vector<ExpectedFace> faces;
@@ -102,7 +80,7 @@ bool loadExpectedFace(const std::string& fontFile, int faceIndex, ExpectedFace* 
   std::string reason;
   const std::vector<ExpectedFace> faces = loadFaces(fontFile, &reason);
   if (reason.empty() && (faceIndex < 0 || faceIndex >= static_cast<int>(faces.size())))
-    reason = "no face " + std::to_string(faceIndex) + " in " + expectedFileFor(fontFile);
+    reason = "no face " + std::to_string(faceIndex) + " of " + fontFile;
   if (reason.empty()) *out = faces[faceIndex];
   if (error) *error = reason;
   return reason.empty();

@@ -20,11 +20,6 @@ std::string testFontPath(const std::string& name);
 // Every generated font file name, in the generator's order.
 std::vector<std::string> testFontFiles();
 
-struct ExpectedName {
-  int platform = 0, encoding = 0, language = 0, nameId = 0;
-  std::string bytes;  // the record's raw bytes
-};
-
 struct ExpectedChar {
   int glyph = 0;
   int advance = 0;
@@ -37,7 +32,6 @@ struct ExpectedPoint {
 
 // One face of a generated font as the generator found it in the file.
 struct ExpectedFace {
-  int numGlyphs = 0;
   bool hasHead = false;
   int unitsPerEm = 0;                            // 0 without a head table
   int ascender = 0, descender = 0, lineGap = 0;  // hhea
@@ -45,7 +39,6 @@ struct ExpectedFace {
   std::array<int, 10> panose{};
   std::array<std::uint32_t, 4> unicodeRange{};
   std::array<std::uint32_t, 2> codePageRange{};
-  std::vector<ExpectedName> names;                                  // in name-table order
   std::map<std::uint32_t, ExpectedChar> chars;                      // code point -> glyph, advance
   std::vector<int> glyphAdvances;                                   // by glyph index
   std::map<std::pair<std::uint32_t, std::uint32_t>, int> kerning;   // code points -> value

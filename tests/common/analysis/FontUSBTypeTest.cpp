@@ -1,3 +1,6 @@
+// The analysis layer's tables against what they are made from: the bit
+// of every code point against the block lists of the table generator, and
+// the Mac Roman table against Python's codec.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -7,11 +10,13 @@
 #include <vector>
 
 #include "common/analysis/FontUSBType.h"
+#include "common/analysis/FontUtils.h"
 #include "tests/support/Python.h"
 
 namespace {
 
 using qro_common::FontUSBType;
+using qro_common::FontUtils;
 using Info = FontUSBType::CodePointUSBInfo;
 
 const std::string kScripts = std::string(KELFONT_TEST_SOURCE_DIR) + "/../scripts";
@@ -75,6 +80,27 @@ TEST(UsbTypesGenerator, CheckedInSourceIsUpToDate) {
   std::string command =
       std::string(KELFONT_PYTHON) + " -B " + kScripts + "/gen_usb_types.py --check";
   EXPECT_EQ(std::system(command.c_str()), 0) << command;
+}
+
+TEST(FontUtils, MacRomanEncAgreesWithPythonsMacRomanCodec) {
+  std::string text;
+  ASSERT_TRUE(kelfont_test::runPython(
+      "print(' '.join(str(ord(bytes([b]).decode('mac_roman'))) for b in range(256)))", {}, &text));
+  std::istringstream in(text);
+  unsigned byte = 0;
+  for (unsigned value; byte < 256 && in >> value; ++byte)
+    EXPECT_EQ(FontUtils::MacRomanEnc[byte], value) << byte;
+  EXPECT_EQ(byte, 256u);
+  // The revision with the euro sign and the Apple logo.
+  EXPECT_EQ(FontUtils::MacRomanEnc[0xDB], 0x20AC);
+  EXPECT_EQ(FontUtils::MacRomanEnc[0xF0], 0xF8FF);
+  // Mac languages without a Windows language (the entries: common_functions.tsv):
+  // 60, 63, 90..127, 132, 134, 136..139, 142, 147..149, 151.
+  int none = 0;
+  for (unsigned mac = 0; mac < FontUtils::kWinLangFromMacCount; ++mac) {
+    none += FontUtils::WinLangFromMac[mac] == 0xFFFF;
+  }
+  EXPECT_EQ(none, 2 + 38 + 1 + 1 + 4 + 1 + 3 + 1);
 }
 
 }  // namespace
