@@ -16,6 +16,8 @@
 #include "common/analysis/FontUSBType.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/DefaultFontInfo.h"
+#include "common/font_info/ExtraCharMetrics.h"
+#include "common/font_info/ExtraDefaultFonts.h"
 #include "common/font_info/KerningInfo.h"
 #include "common/font_info/MultiCharMetricsRange.h"
 #include "common/font_info/MultiDefaultFontRange.h"
@@ -134,6 +136,28 @@ std::string written(const std::function<bool(qro_base::OutputStream&)>& write,
   return hexBytes(out.bytes);
 }
 
+// The fonts of codes without slot: FONT:FIRST[-LAST],... (a face's codes applied), W, rHEX.
+std::string extraStep(ExtraDefaultFonts& extra, const std::string& s) {
+  auto damaged = [](const std::string& bytes) {
+    ExtraDefaultFonts read;
+    return !read.Read(bytes.data(), bytes.size()) && read.IsEmpty();
+  };
+  if (s == "W")
+    return written([&](qro_base::OutputStream& out) { return extra.Write(out); }, damaged);
+  if (s[0] == 'r') {
+    const std::string bytes = kelfont_test::unhex(s.substr(1));
+    return extra.Read(bytes.data(), bytes.size()) ? "." : extra.IsEmpty() ? "damaged" : "kept";
+  }
+  ExtraCharMetrics codes;
+  std::istringstream runs(s.substr(s.find(':') + 1));
+  for (std::string run; std::getline(runs, run, ',');) {
+    const unsigned last = hexNumber(run.substr(run.find('-') + 1));
+    for (unsigned code = hexNumber(run); code <= last; ++code) codes.Add(code, 0);
+  }
+  extra.Apply(std::stoi(s), codes);
+  return ".";
+}
+
 // Default fonts: CODE=FONT (a negative FONT -N puts an empty range of the code's block in slot
 // N), ?CODE or ?SLOT/SUB:CODE (a block's range asked directly), W, rHEX.
 std::string defaultsStep(DefaultFontInfo& fonts, const std::string& s) {
@@ -144,6 +168,7 @@ std::string defaultsStep(DefaultFontInfo& fonts, const std::string& s) {
   };
   if (s == "W")
     return written([&](qro_base::OutputStream& out) { return fonts.Write(out); }, damaged);
+  if (s[0] == 'X') return extraStep(fonts.GetExtraFonts(), s.substr(1));
   if (s[0] == 'r') {
     Source from(kelfont_test::unhex(s.substr(1)));
     const RangeTableRead read = fonts.ReadChecked(from.in);
@@ -315,9 +340,15 @@ std::string step(State& state, const std::string& s) {
         slot(0),
         new ZippedCharMetricsRange(first, last, shared, new char[(last - first) / 8 + 1]()));
   }
+  if (op == 'X') {  // XCODE=ADV,...: the face's characters without slot
+    auto* extra = new ExtraCharMetrics();
+    for (const std::string& e : a)
+      extra->Add(hexNumber(e), static_cast<unsigned short>(std::stoi(e.substr(e.find('=') + 1))));
+    info->SetExtraCharMetrics(extra);
+  }
   if (op == 'm') info->SetCharMetricsRange(slot(0), new MultiCharMetricsRange(std::stoi(a[1])));
   if (op == 'z') info->ZipCharMetricsRanges();
-  return std::string("sZmzck").find(op) != std::string::npos ? "." : "unknown step " + s;
+  return std::string("sZmzckX").find(op) != std::string::npos ? "." : "unknown step " + s;
 }
 
 TEST(FaceTables, Steps) {
