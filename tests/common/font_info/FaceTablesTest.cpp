@@ -13,6 +13,7 @@
 
 #include "base/MemoryInputStream.h"
 #include "base/OutputStream.h"
+#include "base/StringOutputStream.h"
 #include "common/analysis/FontUSBType.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/DefaultFontInfo.h"
@@ -31,20 +32,14 @@ namespace {
 using namespace qro_common;
 
 // Collects written bytes; refuses writes once `limit` bytes were taken.
-class ByteSink : public qro_base::OutputStream {
- public:
-  explicit ByteSink(size_t limit = std::string::npos) : limit_(limit) { open_ = true; }
+struct ByteSink : qro_base::StringOutputStream {
+  explicit ByteSink(size_t limit = std::string::npos) : StringOutputStream(bytes), limit(limit) {}
   bool Write(char c) override { return Write(&c, 1); }
   bool Write(const char* buffer, unsigned count) override {
-    if (bytes.size() + count > limit_) return false;
-    bytes.append(buffer, count);
-    return true;
+    return bytes.size() + count <= limit && StringOutputStream::Write(buffer, count);
   }
-  bool Close() override { return true; }
   std::string bytes;
-
- private:
-  size_t limit_;
+  size_t limit;
 };
 
 // An input stream over its own copy of some bytes.
