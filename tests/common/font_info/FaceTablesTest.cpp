@@ -1,6 +1,7 @@
 // A face's tables (advances, default fonts, kerning) driven by the steps of
 // tests/data/face_tables.tsv.
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <functional>
 #include <iterator>
@@ -13,9 +14,12 @@
 
 #include "base/MemoryInputStream.h"
 #include "base/OutputStream.h"
+#include "base/StringOutputStream.h"
 #include "common/analysis/FontUSBType.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/DefaultFontInfo.h"
+#include "common/font_info/ExtraCharMetrics.h"
+#include "common/font_info/ExtraDefaultFonts.h"
 #include "common/font_info/KerningInfo.h"
 #include "common/font_info/MultiCharMetricsRange.h"
 #include "common/font_info/MultiDefaultFontRange.h"
@@ -28,21 +32,29 @@ namespace {
 
 using namespace qro_common;
 
+// A sanitizer's heap is not measured.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kHeapIsInstrumented = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr bool kHeapIsInstrumented = true;
+#else
+constexpr bool kHeapIsInstrumented = false;
+#endif
+#else
+constexpr bool kHeapIsInstrumented = false;
+#endif
+static_assert(sizeof(CharMetrics) == 2, "an advance takes two bytes");
+
 // Collects written bytes; refuses writes once `limit` bytes were taken.
-class ByteSink : public qro_base::OutputStream {
- public:
-  explicit ByteSink(size_t limit = std::string::npos) : limit_(limit) { open_ = true; }
+struct ByteSink : qro_base::StringOutputStream {
+  explicit ByteSink(size_t limit = std::string::npos) : StringOutputStream(bytes), limit(limit) {}
   bool Write(char c) override { return Write(&c, 1); }
   bool Write(const char* buffer, unsigned count) override {
-    if (bytes.size() + count > limit_) return false;
-    bytes.append(buffer, count);
-    return true;
+    return bytes.size() + count <= limit && StringOutputStream::Write(buffer, count);
   }
-  bool Close() override { return true; }
   std::string bytes;
-
- private:
-  size_t limit_;
+  size_t limit;
 };
 
 // An input stream over its own copy of some bytes.
@@ -134,6 +146,28 @@ std::string written(const std::function<bool(qro_base::OutputStream&)>& write,
   return hexBytes(out.bytes);
 }
 
+// The fonts of codes without slot: FONT:FIRST[-LAST],... (a face's codes applied), W, rHEX.
+std::string extraStep(ExtraDefaultFonts& extra, const std::string& s) {
+  auto damaged = [](const std::string& bytes) {
+    ExtraDefaultFonts read;
+    return !read.Read(bytes.data(), bytes.size()) && read.IsEmpty();
+  };
+  if (s == "W")
+    return written([&](qro_base::OutputStream& out) { return extra.Write(out); }, damaged);
+  if (s[0] == 'r') {
+    const std::string bytes = kelfont_test::unhex(s.substr(1));
+    return extra.Read(bytes.data(), bytes.size()) ? "." : extra.IsEmpty() ? "damaged" : "kept";
+  }
+  ExtraCharMetrics codes;
+  std::istringstream runs(s.substr(s.find(':') + 1));
+  for (std::string run; std::getline(runs, run, ',');) {
+    const unsigned last = hexNumber(run.substr(run.find('-') + 1));
+    for (unsigned code = hexNumber(run); code <= last; ++code) codes.Add(code, 0);
+  }
+  extra.Apply(std::stoi(s), codes);
+  return ".";
+}
+
 // Default fonts: CODE=FONT (a negative FONT -N puts an empty range of the code's block in slot
 // N), ?CODE or ?SLOT/SUB:CODE (a block's range asked directly), W, rHEX.
 std::string defaultsStep(DefaultFontInfo& fonts, const std::string& s) {
@@ -144,6 +178,7 @@ std::string defaultsStep(DefaultFontInfo& fonts, const std::string& s) {
   };
   if (s == "W")
     return written([&](qro_base::OutputStream& out) { return fonts.Write(out); }, damaged);
+  if (s[0] == 'X') return extraStep(fonts.GetExtraFonts(), s.substr(1));
   if (s[0] == 'r') {
     Source from(kelfont_test::unhex(s.substr(1)));
     const RangeTableRead read = fonts.ReadChecked(from.in);
@@ -212,10 +247,11 @@ std::string step(State& state, const std::string& s) {
                                                        : "M";
   };
   if (s.find('=') != std::string::npos && isxdigit(static_cast<unsigned char>(s[0]))) {
-    const size_t dash = s.find('-'), eq = s.find('=');
+    const size_t dash = s.find('-'), eq = s.find('='), slash = s.find('/');
     const unsigned first = hexNumber(s), last = dash < eq ? hexNumber(s.substr(dash + 1)) : first;
+    const unsigned stride = slash < eq ? std::stoul(s.substr(slash + 1)) : 1;
     bool added = true;
-    for (unsigned code = first; code <= last; ++code) {
+    for (unsigned code = first; code <= last; code += stride) {
       const std::string value = s.substr(eq + 1);
       const auto advance = static_cast<unsigned short>(value == "*" ? code : std::stoi(value));
       if (font_info_test::addAdvance(*info, code, advance)) {
@@ -228,6 +264,17 @@ std::string step(State& state, const std::string& s) {
   }
   const char op = s[0];
   int first = 0, last = 0;
+  if (op == 'M') {  // MN: read back, the table takes at most N heap bytes per advance
+    ByteSink out;
+    Source from(info->Write(out) ? out.bytes : "");
+    CharMetricsInfo loaded;
+    const size_t before = mallinfo2().uordblks;
+    const bool read = loaded.Read(from.in);
+    const double perAdvance = static_cast<double>(mallinfo2().uordblks - before) / model.size();
+    return kHeapIsInstrumented || (read && perAdvance <= std::stod(a[0]))
+               ? "."
+               : std::to_string(perAdvance);
+  }
   if (op == '!') return sameAsModel(*info, hexNumber(a[0]), model);
   if (op == '-') singleOf(*info, hexNumber(a[0]), &first, &last)->Set(hexNumber(a[0]), nullptr);
   if (op == '-') return model.erase(hexNumber(a[0])) ? "." : "none";
@@ -315,9 +362,15 @@ std::string step(State& state, const std::string& s) {
         slot(0),
         new ZippedCharMetricsRange(first, last, shared, new char[(last - first) / 8 + 1]()));
   }
+  if (op == 'X') {  // XCODE=ADV,...: the face's characters without slot
+    auto* extra = new ExtraCharMetrics();
+    for (const std::string& e : a)
+      extra->Add(hexNumber(e), static_cast<unsigned short>(std::stoi(e.substr(e.find('=') + 1))));
+    info->SetExtraCharMetrics(extra);
+  }
   if (op == 'm') info->SetCharMetricsRange(slot(0), new MultiCharMetricsRange(std::stoi(a[1])));
   if (op == 'z') info->ZipCharMetricsRanges();
-  return std::string("sZmzck").find(op) != std::string::npos ? "." : "unknown step " + s;
+  return std::string("sZmzckX").find(op) != std::string::npos ? "." : "unknown step " + s;
 }
 
 TEST(FaceTables, Steps) {

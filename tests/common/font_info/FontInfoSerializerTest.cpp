@@ -52,8 +52,9 @@ std::string describe(const FontInfo& info) {
     for (int i = 0; i < 10; ++i) out << int(panose->Get(i)) << (i < 9 ? ',' : ';');
   }
   if (const auto* sig = info.GetSig()) {
-    out << "sig=";
-    for (int i = 1; i <= 4; ++i) out << sig->GetUnicodeRange(i) << ',';
+    out << "sig=";  // the Unicode-range bits set, the code-page words
+    for (int bit = -1; bit <= 128; ++bit)
+      out << (sig->IsUnicodeRangeBitSet(bit) ? std::to_string(bit) + "," : "");
     out << sig->GetCodePageRange(1) << ',' << sig->GetCodePageRange(2) << ';';
   }
   if (const auto* m = info.GetFontMetrics()) {

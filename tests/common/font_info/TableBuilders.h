@@ -45,9 +45,9 @@ bool addToBlock(Table& table, unsigned code, Value value, Range* (Table::*get)(u
 inline bool addAdvance(qro_common::CharMetricsInfo& info, unsigned code, unsigned short advance) {
   using namespace qro_common;
   return addToBlock<SingleCharMetricsRange, MultiCharMetricsRange>(
-      info, code, [advance] { return new CharMetrics(advance); }, &CharMetricsInfo::GetCharMetricsRange,
-      &CharMetricsInfo::SetCharMetricsRange, &MultiCharMetricsRange::GetCharMetricsRange,
-      &MultiCharMetricsRange::SetCharMetricsRange);
+      info, code, [advance] { return new CharMetrics(advance); },
+      &CharMetricsInfo::GetCharMetricsRange, &CharMetricsInfo::SetCharMetricsRange,
+      &MultiCharMetricsRange::GetCharMetricsRange, &MultiCharMetricsRange::SetCharMetricsRange);
 }
 
 inline bool addDefaultFont(qro_common::DefaultFontInfo& info, unsigned code, short fontIndex) {

@@ -15,6 +15,7 @@
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontInfoSerializer.h"
 #include "common/font_info/KerningInfo.h"
+#include "common/font_info/Storage.h"
 #include "common/registry/DefaultFontsReader.h"
 #include "common/registry/FontChainReader.h"
 #include "common/registry/FontTable.h"
@@ -25,6 +26,7 @@
 
 namespace {
 
+using qro_common::Font;
 using qro_common::FontInfo;
 using qro_common::StyledFontInfoList;
 
@@ -108,7 +110,7 @@ std::string readList(State& state, const std::string& s, const std::string& base
   mkdir((base + "FInfo").c_str(), 0775);
   if (s[2] == ':') kelfont_test::writeFile(path, kelfont_test::expand(s.substr(3)));
   auto name = [&state](int font) {
-    const qro_common::Font* f = state.table.GetFont(font);
+    const Font* f = state.table.GetFont(font);
     return f->GetName() + (f->IsWithoutFile() ? "*" : "");
   };
   bool exists = false;
@@ -183,7 +185,7 @@ std::string step(State& state, const std::string& s, const std::string& base) {
     }
   }
   if (op == 'f') {
-    const qro_common::Font* f = table.GetFont(n);
+    const Font* f = table.GetFont(n);
     std::string flags = std::string(f->IsSymbol() ? "s" : "") + (f->IsNonTimes() ? "t" : "") +
                         (f->IsWithoutFile() ? "w" : "") + (f->IsExtraBold() ? "x" : "");
     return flags.empty() ? "-" : flags;
@@ -236,10 +238,26 @@ std::string step(State& state, const std::string& s, const std::string& base) {
   if (op == 'B') table.BuildFont();
   if (op == 'm') {
     info->SetCharMetricsInfo(new qro_common::CharMetricsInfo());
+    info->SetCharMetricsInfo(info->GetCharMetricsInfo());  // the same again: kept
     info->SetKerningInfo(new qro_common::KerningInfo());
     info->SetFontMetrics(new qro_common::FontMetrics(1, 2, 3, 4));
   }
   return std::string("pukDBm").find(op) != std::string::npos ? "." : "unknown step " + s;
+}
+
+// Fonts kept in registration order; empty positions keep their place and are never found.
+TEST(FontTable, FontStorage) {
+  qro_common::Storage<Font> storage;
+  EXPECT_THROW(storage.Get(0), std::out_of_range);
+  storage.Init(new std::vector<Font*>{new Font("B"), nullptr, new Font("A")});
+  EXPECT_EQ(storage.Find(Font("A")), 2);
+  EXPECT_EQ(storage.Find(Font("B")), 0);
+  EXPECT_EQ(storage.Find(Font("a")), -1);
+  EXPECT_EQ(storage.Get(1), nullptr);
+  EXPECT_EQ(storage.Add(Font("C")), 3);
+  EXPECT_EQ(storage.Find(Font("C")), 3);
+  EXPECT_EQ(storage.GetCount(), 4);
+  EXPECT_THROW(storage.Get(4), std::out_of_range);
 }
 
 TEST(FontTable, Steps) {
