@@ -1,9 +1,9 @@
 // The facade through the public entry points only, on caches written with
-// the serializer: the scripts of tests/data/facade_scripts.tsv, and eight
-// threads asking at once.
+// the serializer: the scripts of tests/data/facade_scripts.tsv.
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
@@ -78,6 +78,19 @@ std::string call(const std::string& token, const std::string& base) {
     }
     return std::to_string(bands.size());
   }
+  if (op == "T") {  // eight threads ask at once while the loaded data is cleared: the calls that
+                    // answer otherwise than one thread did, and what is left to free once they are gone
+    const int fonts = gKelFontWidth->_GetFontTable()->GetFontCount();
+    const auto queries = kelfont_test::everyFont({a.begin() + 1, a.end()}, -1, fonts);
+    std::vector<std::string> expected;
+    for (const std::string& q : queries) expected.push_back(call(q, base));
+    auto same = [&](std::size_t i) { return call(queries[i], base) == expected[i]; };
+    const int wrong = kelfont_test::askedAtOnce(queries.size(), 3, same, ClearKelFontCacheInfo);
+    qro_base::DeferredDeleter& retired = gKelFontWidth->_GetFontTable()->GetDeferredDeleter();
+    retired.Collect();
+    retired.Collect();
+    return std::to_string(wrong) + "/" + std::to_string(retired.PendingCount());
+  }
   if (op == "t") {  // the kerning clock since the last look: s started, e ended
     const std::clock_t none = static_cast<std::clock_t>(-1), start = std::exchange(startTime, none),
                        end = std::exchange(endTime, none);
@@ -99,6 +112,7 @@ std::string call(const std::string& token, const std::string& base) {
   if (op == "n") return std::to_string(GetFontIndex(a[1].c_str()));
   if (op == "?") return std::to_string(IsKelFontInitialized());
   if (op == "p") return kelfont_test::writeFile(base + "FInfo/Fdata/probe", "x") ? "." : "!";
+  if (op == "w") return std::to_string(std::filesystem::exists("FInfo"));
   if (op == "d") return writeDataFile(base, number(1), a[2]) ? "." : "!";
   if (op == "L") {
     for (int i = 0; i <= 20; ++i) {
@@ -108,8 +122,9 @@ std::string call(const std::string& token, const std::string& base) {
   if (op == "S") {  // a start-up on the running facade with a cache of eviction faces 0..4
     const std::vector<Case> faces = kelfont_test::cases("facade_faces.tsv");
     CKelFontWidth* running = gKelFontWidth;
-    if (!writeCache(base + "second/", {faces.begin() + 13, faces.begin() + 18})) return "!";
-    init(base + "second/");
+    const std::string second = std::filesystem::current_path().string() + "/second/";
+    if (!writeCache(second, {faces.begin() + 13, faces.begin() + 18})) return "!";
+    init(second);
     return gKelFontWidth == running ? "same" : "new";
   }
   if (op == "C") ClearKelFontCacheInfo();
@@ -118,16 +133,19 @@ std::string call(const std::string& token, const std::string& base) {
   return std::string("LCUI").find(op) != std::string::npos ? "." : "unknown call";
 }
 
-// The cache of a script: the standard one, none, or its table damaged.
+// The cache of a script: the standard one, with more faces than stay loaded, none (in a folder, at
+// no path, through a file), or its table damaged.
 std::string prepare(const kelfont_test::TempDir& dir, const std::string& kind) {
   const std::string base = dir.path() + "/", table = base + "FInfo/Ftable";
   if (kind == "none") return base;
+  if (kind == "nopath") return "";
+  if (kind == "infile") {
+    EXPECT_TRUE(kelfont_test::writeFile(base + "plain", "a file"));
+    return base + "plain/cache/";
+  }
   std::vector<Case> faces = kelfont_test::cases("facade_faces.tsv");
-  for (int i = 0; kind == "crowd" && i < 40; ++i) {  // more faces than stay loaded
-    faces.push_back({"",
-                     {"KelTest Crowd " + std::to_string(i), "", "", "1000",
-                      "U+41=" + std::to_string(100 + i) + ";U+42=" + std::to_string(200 + i) +
-                          ";kern=A,V," + std::to_string(-1 - i)}});
+  if (kind == "crowd") {
+    for (const Case& face : kelfont_test::cases("facade_crowd.tsv")) faces.push_back(face);
   }
   EXPECT_TRUE(writeCache(base, faces));
   std::string bytes = kelfont_test::readFile(table);
@@ -139,53 +157,32 @@ std::string prepare(const kelfont_test::TempDir& dir, const std::string& kind) {
   return base;
 }
 
-TEST(KelFontFacadeScripts, Lines) {
-  EXPECT_EQ(IsKelFontInitialized(), 0);
-  EXPECT_EQ(GetFontIndex(nullptr), -1);
+// The lines of tests/data/facade_scripts.tsv, each in a temporary working folder; those on the
+// crowd cache or all others.
+void runLines(bool crowd) {
+  const std::filesystem::path working = std::filesystem::current_path();
   for (const kelfont_test::Case& c : kelfont_test::cases("facade_scripts.tsv")) {
+    if ((c[0] == "crowd") != crowd) continue;
     kelfont_test::TempDir dir;
+    std::filesystem::current_path(dir.path());
     const std::string base = prepare(dir, c[0]);
     init(base);
     EXPECT_EQ(kelfont_test::answers(c[1], [&](const std::string& t) { return call(t, base); }),
               c[2])
         << c.line;
     UnInitKelFont();
+    std::filesystem::current_path(working);
   }
+}
+
+TEST(KelFontFacadeScripts, Lines) {
+  EXPECT_EQ(IsKelFontInitialized(), 0);
+  EXPECT_EQ(GetFontIndex(nullptr), -1);
+  runLines(false);
   EXPECT_EQ(gKelFontWidth, nullptr);
 }
 
-// Eight threads ask everything at once, over more faces than stay loaded,
-// while another keeps clearing the loaded data (run under ThreadSanitizer and
-// AddressSanitizer in CI): every answer is the one a single thread got.
-TEST(KelFontFacadeConcurrency, EightThreadsAnswerAsOneWhileFacesAreDroppedAndReloaded) {
-  kelfont_test::TempDir dir;
-  const std::string base = prepare(dir, "crowd");
-  init(base);
-  const int fontCount = gKelFontWidth->_GetFontTable()->GetFontCount();
-  ASSERT_GT(fontCount, int(CKelFontWidth::kMaxLoadedBeforeEviction) + 20);
-  std::vector<std::string> queries;
-  for (int font = -1; font <= fontCount; ++font) {
-    for (const char* style : {"", "i", "b", "bi"}) {
-      const std::string f = std::to_string(font) + ",";
-      for (const char* ch : {"A", "B", "C", "Z", "33", "37", "48", "U+AC00", "U+1F600"}) {
-        queries.push_back("c," + f + ch + "," + style);
-      }
-      queries.push_back("k," + f + "A,V," + style);
-      queries.push_back("e," + f + style);
-    }
-  }
-  std::vector<std::string> expected;
-  for (const std::string& q : queries) expected.push_back(call(q, base));
-  // The answers depend on the data files: the last crowd font's kerning and advance.
-  EXPECT_EQ(call("k," + std::to_string(fontCount - 1) + ",A,V", base), "0/-40");
-  EXPECT_EQ(call("c," + std::to_string(fontCount - 1) + ",B", base), "0/239");
-  auto same = [&](std::size_t i) { return call(queries[i], base) == expected[i]; };
-  EXPECT_EQ(kelfont_test::askedAtOnce(queries.size(), 3, same, [] { ClearKelFontCacheInfo(); }), 0);
-  qro_base::DeferredDeleter& retired = gKelFontWidth->_GetFontTable()->GetDeferredDeleter();
-  retired.Collect();
-  retired.Collect();
-  EXPECT_EQ(retired.PendingCount(), 0u);
-  UnInitKelFont();
-}
+// Run under ThreadSanitizer and AddressSanitizer in CI.
+TEST(KelFontFacadeConcurrency, Lines) { runLines(true); }
 
 }  // namespace
