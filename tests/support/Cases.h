@@ -58,8 +58,8 @@ std::string answers(const std::string& calls,
 
 namespace kelfont_test {
 
-// Each call once for every font index from `first` to `last` ("#" in it) and every style ("*":
-// none, i, b, bi), with "/" for ","; calls without "#" are left out.
+// Each call once for every font index from `first` to `last` ("#" in it) and every style ("*"
+// after "#": none, i, b, bi), with "/" for ","; calls without "#" are left out.
 std::vector<std::string> everyFont(const std::vector<std::string>& calls, int first, int last);
 
 }  // namespace kelfont_test

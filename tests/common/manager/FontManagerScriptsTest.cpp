@@ -6,6 +6,7 @@
 #include <unistd.h>
 #include FT_FREETYPE_H
 
+#include <atomic>
 #include <cctype>
 #include <cstdint>
 #include <cstdlib>
@@ -29,6 +30,7 @@
 #include "common/registry/FontTable.h"
 #include "tests/common/manager/ManagerScenario.h"
 #include "tests/support/Cases.h"
+#include "tests/support/Concurrently.h"
 #include "tests/support/FileSizeLimit.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Python.h"
@@ -152,7 +154,7 @@ struct Script {
   std::map<std::string, std::pair<std::string, fs::file_time_type>> kept;
 
   explicit Script(const std::string& setup) {
-    if (setup == "scenario") dirs = {scenario.dirA, scenario.dirB};
+    if (setup == "scenario" || setup == "threads") dirs = {scenario.dirA, scenario.dirB};
     if (setup == "deep") {
       while (folder.size() < 2300) folder += "/" + std::string(200, 'd');
     }
@@ -254,6 +256,29 @@ std::string Script::call(const std::string& token) {
       }
     }
     return std::to_string(advances.size());
+  }
+  if (op == "T") {  // eight threads at once against a manager of its own
+    ManagerRig reference = start(root.file("reference") + "/", dirs, package);
+    const int fonts = rig->GetFontTable()->GetFontCount();
+    const std::vector<std::string> queries = everyFont({a.begin() + 1, a.end()}, -1, fonts - 1);
+    std::vector<std::string> expected;
+    for (const std::string& q : queries) expected.push_back(ask(*reference.manager, q));
+    std::atomic<int> kerned{0};
+    auto same = [&](std::size_t i) {
+      const std::string got = ask(*rig.manager, queries[i]);
+      if (queries[i][0] != 'k') return got == expected[i];
+      if (got == "0") return true;  // dropped again between loading and asking
+      ++kerned;
+      return got == expected[i];
+    };
+    const int wrong = askedAtOnce(queries.size(), 1, same, [&] { rig->ClearCacheInfo(); });
+    const std::size_t loaded = rig->GetLoadedFontInfos().size();
+    qro_base::DeferredDeleter& retired = rig->GetFontTable()->GetDeferredDeleter();
+    retired.Collect();
+    retired.Collect();
+    return std::to_string(wrong) + "/" + std::to_string(kerned > 0) + "/" +
+           std::to_string(loaded <= qro_common::FontManager::kMaxLoadedBeforeEviction + 1) + "/" +
+           std::to_string(retired.PendingCount());
   }
   if (op == "K") {
     const int font = rig->GetFontIndex(a[1]);
@@ -400,7 +425,12 @@ void runLines(const std::function<bool(const std::string&)>& pick) {
 bool gpos(const std::string& setup) { return setup.rfind("gpos", 0) == 0; }
 
 TEST(FontManagerScripts, Lines) {
-  runLines([](const std::string& setup) { return setup != "android" && !gpos(setup); });
+  runLines([](const std::string& s) { return s != "android" && s != "threads" && !gpos(s); });
+}
+
+// Run under ThreadSanitizer and AddressSanitizer in CI.
+TEST(FontManagerConcurrency, Lines) {
+  runLines([](const std::string& setup) { return setup == "threads"; });
 }
 
 // The lines on gpos_kern.ttf: kerning on first use, characters without a range (also run in
