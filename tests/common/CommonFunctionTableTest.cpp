@@ -1,8 +1,12 @@
-// Functions of the common layer against tables of cases
-// (tests/data/common_functions.tsv): function, arguments, answer.
+// Functions of the common layer, the per-character answer cache and the language table against
+// tables of cases (tests/data/common_functions.tsv): function, arguments, answer.
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdint>
 #include <cstring>
+#include <iterator>
+#include <map>
 #include <memory>
 
 #include "base/Environment.h"
@@ -10,7 +14,9 @@
 #include "common/analysis/FontFileAnalyzer.h"
 #include "common/analysis/FontUtils.h"
 #include "common/analysis/LangCode.h"
+#include "common/analysis/LangCodeTable.h"
 #include "common/font_info/FontInfo.h"
+#include "common/manager/CharKeyCache.h"
 #include "common/registry/DataFileNames.h"
 #include "common/registry/UILangCode.h"
 #include "tests/support/Cases.h"
@@ -22,6 +28,66 @@ using kelfont_test::Case;
 using kelfont_test::hex;
 using kelfont_test::orNull;
 using qro_common::LangCode;
+
+// The per-character answer cache. Keys "CODE/FONT[/STYLE]": the code in hex, the font index, b, i
+// or bi. Values as written: numbers, "empty" (the bit pattern of an empty slot), pointers a, b or 0.
+qro_common::CharKey keyOf(const std::string& text) {
+  const std::size_t slash = text.find('/'), style = text.find('/', slash + 1);
+  const std::string styleText = style == std::string::npos ? "" : text.substr(style + 1);
+  return {static_cast<std::uint32_t>(std::stoul(text.substr(0, slash), nullptr, 16)),
+          std::stoi(text.substr(slash + 1, style - slash - 1)),
+          styleText.find('b') != std::string::npos, styleText.find('i') != std::string::npos};
+}
+int a = 0, b = 0;
+template <typename V>
+V valueOf(const std::string& text);
+template <>
+float valueOf(const std::string& text) {
+  constexpr std::uint32_t kEmptyBits = 0x7FBADBADu;
+  float value = 0;
+  std::memcpy(&value, &kEmptyBits, sizeof value);
+  return text == "empty" ? value : std::stof(text);
+}
+template <>
+int* valueOf(const std::string& text) {
+  return text == "a" ? &a : text == "b" ? &b : nullptr;
+}
+std::string said(float value) { return std::isnan(value) ? "empty" : kelfont_test::number(value); }
+std::string said(int* value) { return value == &a ? "a" : value == &b ? "b" : "0"; }
+
+template <typename V, unsigned kCodeBits>
+std::string cache(const std::string& calls) {
+  qro_common::CharKeyCache<V, kCodeBits> cache;
+  return kelfont_test::answers(calls, [&](const std::string& t) {
+    V value{};
+    const std::size_t eq = t.find('=');
+    if (t[0] == '+') {
+      return std::to_string(cache.Insert(keyOf(t.substr(1, eq - 1)), valueOf<V>(t.substr(eq + 1))));
+    }
+    if (t[0] == '?') return cache.Find(keyOf(t.substr(1)), value) ? said(value) : "-";
+    if (t == "#") return std::to_string(cache.Size());
+    cache.Clear();
+    return std::string(".");
+  });
+}
+
+// Every identifier's tag against the rows of lang_tags.tsv, and each tag back: the first that
+// differs, else the count of rows and of default countries.
+std::string langTable() {
+  std::map<unsigned, std::string> rows;
+  for (const Case& row : kelfont_test::cases("lang_tags.tsv")) rows[row.num(0)] = row[1];
+  for (const auto& row : qro_common::kLangTagRows) {
+    if (rows.count(row.id) == 0 || rows[row.id] != row.tag) return row.tag;
+  }
+  for (int id = 0; id <= 0xFFFF; ++id) {
+    const std::string tag = rows.count(unsigned(id)) ? rows[unsigned(id)] : "";
+    const char* got = LangCode::GetLang(static_cast<unsigned short>(id));
+    if (got == nullptr || got != tag || (!tag.empty() && LangCode::GetLangCode(got) != id))
+      return hex(id);
+  }
+  if (LangCode::GetLangCode(std::string(10000, 'k').c_str()) != 0) return "long";
+  return std::to_string(rows.size()) + " " + std::to_string(std::size(qro_common::kLangCountryRows));
+}
 
 // What the analyzer makes of a generated font: pitch, vertical metrics and
 // the East Asian flag, the font name, and the localized names.
@@ -77,6 +143,10 @@ std::string call(const Case& c) {
     EXPECT_EQ(out[size], 'X') << "wrote past " << size;
     return std::to_string(written) + ":" + (size ? std::string(out) : "");
   }
+  if (f == "lang-table") return langTable();
+  if (f == "cache-float") return cache<float, 16>(c[1]);
+  if (f == "cache-ptr0") return cache<int*, 0>(c[1]);
+  if (f == "cache-ptr8") return cache<int*, 8>(c[1]);
   if (f == "analyze") return analyze(c[1], 0);
   if (f == "analyze-preferring") return analyze(c[1], static_cast<int>(c.num(2)));
   ADD_FAILURE() << "unknown function " << f;
