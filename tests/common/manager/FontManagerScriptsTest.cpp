@@ -3,19 +3,25 @@
 
 #include <ft2build.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include FT_FREETYPE_H
 
 #include <atomic>
 #include <cctype>
+#include <chrono>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <map>
 #include <memory>
+#include <random>
 #include <sstream>
+#include <thread>
 #include <utility>
 
 #include "api/KelFontWidth.h"
@@ -25,6 +31,7 @@
 #include "common/analysis/GposKerning.h"
 #include "common/font_info/CharMetrics.h"
 #include "common/font_info/CharMetricsInfo.h"
+#include "common/font_info/DefaultFontInfo.h"
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontInfoSerializer.h"
 #include "common/registry/FontTable.h"
@@ -183,7 +190,88 @@ struct Script {
     return {all, {}};
   }
   std::string call(const std::string& token);
+  std::string killed(int trials);
 };
+
+// Writers of this start's cache killed at random times in their first two rounds, `trials` times,
+// the two caches they write in turn differing in the table's default font indexes: the first file
+// left neither old nor new, or the first style of KelTest Basic (basic, bold, italic.ttf in F) whose
+// advances a later start on the cache left does not answer; else whether a tenth of the kills cut a
+// write short, "/", whether both caches were found.
+std::string Script::killed(int trials) {
+  std::vector<qro_common::FontInfo*> infos;
+  qro_common::DefaultFontInfo defaults;
+  qro_common::FontInfoSerializer reader(storage);
+  if (!reader.Read(infos) || !reader.ReadDefaultFontInfo(defaults)) return "unread";
+  const std::vector<std::unique_ptr<qro_common::FontInfo>> owned(infos.begin(), infos.end());
+  for (qro_common::FontInfo* info : infos) reader.ReadData(*info);
+  std::vector<const std::string*> directories{&folder};
+  auto write = [&](const std::string& base, int variant) {
+    qro_common::FontInfoSerializer serializer(base);
+    serializer.SetDefaultFontIndexes(std::vector<int>(5, variant));
+    for (qro_common::FontInfo* info : infos) serializer.WriteData(*info);
+    serializer.Write(infos, directories);
+    serializer.WriteDefaultFontInfo(defaults);
+  };
+  std::map<std::string, std::string> variants[2];
+  const auto started = std::chrono::steady_clock::now();
+  for (int v = 0; v < 2; ++v) {
+    write(root.file("variant" + std::to_string(v)) + "/", v);
+    variants[v] = readFiles(root.file("variant" + std::to_string(v)) + "/FInfo");
+  }
+  const auto round = (std::chrono::steady_clock::now() - started) / 2;
+  std::mt19937 random(20261122);
+  int cut = 0, found = 0;
+  for (int trial = 0; trial < trials; ++trial) {
+    fs::remove_all(storage);
+    fs::copy(root.file("variant0"), storage, fs::copy_options::recursive);
+    std::fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+      for (int n = 1;; ++n) write(storage, n % 2);
+    }
+    std::this_thread::sleep_for(round * std::uniform_real_distribution<>(0, 2)(random));
+    if (child < 0 || kill(child, SIGKILL) != 0 || waitpid(child, nullptr, 0) != child) return "!";
+    std::size_t whole = 0;
+    bool halfWritten = false;
+    for (const auto& [name, bytes] : readFiles(storage + "FInfo")) {
+      halfWritten |= name.find(".tmp") != std::string::npos;
+      if (name.find(".tmp") != std::string::npos) continue;
+      if (bytes != variants[0][name] && bytes != variants[1][name]) return name;
+      found += name == "Ftable" && bytes == variants[1][name];
+      ++whole;
+    }
+    cut += halfWritten;
+    if (whole != variants[0].size()) return "missing";
+    // The manager trusts the cache (nothing changed), the facade reads it.
+    qro_ni::DefaultFontInfoFileExtracter extracter(storage, storage + "no-package/");
+    TestFontManager manager(&extracter, storage, dirs);
+    if (manager.IsModified()) return "modified";
+    manager.Initialize();
+    CKelFontWidth facade;
+    facade.SetExtractPath(storage.c_str());
+    if (facade.InitFontInfoSerializer() != 0 || facade.InitFontTable() != 0) return "facade";
+    for (int style = 0; style < 3; ++style) {
+      const char* file = style == 0 ? "basic.ttf" : style == 1 ? "bold.ttf" : "italic.ttf";
+      const bool bold = style == 1, italic = style == 2;
+      for (const auto& [code, ch] : expectedFace(file).chars) {
+        const int usb = qro_common::FontUSBType::GetUSBType(code);
+        if (usb == 57 || (usb > 122 && usb != 127)) continue;
+        const qro_common::CharMetrics* metrics =
+            manager.GetCharMetrics(manager.GetFontIndex("KelTest Basic"), code, bold, italic);
+        int answer = -1;
+        facade.GetFontCharInfo(facade.GetFontIndex("KelTest Basic"), int(code), bold, italic,
+                               answer);
+        if (answer != ch.advance || metrics == nullptr || metrics->GetAdvance() != ch.advance)
+          return file;
+      }
+    }
+  }
+  std::printf("%d kills, writer rounds of %ld us: %d cut a write short, %d found the new table\n",
+              trials, long(std::chrono::duration_cast<std::chrono::microseconds>(round).count()),
+              cut, found);
+  return std::to_string(cut > trials / 10) + "/" + std::to_string(found > 0 && found < trials);
+}
 
 std::string Script::call(const std::string& token) {
   const std::vector<std::string> a = callFields(token);
@@ -280,6 +368,7 @@ std::string Script::call(const std::string& token) {
            std::to_string(loaded <= qro_common::FontManager::kMaxLoadedBeforeEviction + 1) + "/" +
            std::to_string(retired.PendingCount());
   }
+  if (op == "kill") return killed(std::stoi(a[1]));
   if (op == "K") {
     const int font = rig->GetFontIndex(a[1]);
     return pairsDiffer(
