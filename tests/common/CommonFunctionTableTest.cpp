@@ -15,16 +15,21 @@
 #include "common/analysis/FontUtils.h"
 #include "common/analysis/LangCode.h"
 #include "common/analysis/LangCodeTable.h"
+#include "common/font_info/CharMetrics.h"
+#include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/FontInfo.h"
 #include "common/manager/CharKeyCache.h"
 #include "common/registry/DataFileNames.h"
 #include "common/registry/UILangCode.h"
 #include "tests/support/Cases.h"
+#include "tests/support/TempDir.h"
 #include "tests/support/TestFonts.h"
 
 namespace {
 
 using kelfont_test::Case;
+using kelfont_test::expectedFace;
+using kelfont_test::testFontPath;
 using kelfont_test::hex;
 using kelfont_test::orNull;
 using qro_common::LangCode;
@@ -90,11 +95,18 @@ std::string langTable() {
 }
 
 // What the analyzer makes of a generated font: pitch, vertical metrics and
-// the East Asian flag, the font name, and the localized names.
-std::string analyze(const std::string& file, int preferred) {
+// the East Asian flag, the font name, and the localized names. `rewritten`:
+// a copy of the font replaced by other bytes once opened (as a copy over it
+// does), and whether the advances of A, ~ and U+AC00 read then are the font's.
+std::string analyze(const std::string& file, int preferred, bool rewritten = false) {
+  const kelfont_test::TempDir dir;
+  const std::string path = rewritten ? dir.file(file) : kelfont_test::testFontPath(file);
+  if (rewritten && !kelfont_test::writeFile(path, kelfont_test::readFile(testFontPath(file))))
+    return "not copied";
   qro_common::FontFileAnalyzer analyzer;
   if (preferred) analyzer.SetPreferredLanguage(static_cast<unsigned short>(preferred));
-  if (!analyzer.Open(kelfont_test::testFontPath(file).c_str(), 0)) return "not opened";
+  if (!analyzer.Open(path.c_str(), 0)) return "not opened";
+  if (rewritten) kelfont_test::writeFile(path, std::string(300, 'x'));
   std::unique_ptr<qro_common::FontInfo> info(analyzer.Analyze());
   std::string out = std::to_string(info->GetPitch()) + " " +
                     std::to_string(info->HasVerticalMetrics()) + " " +
@@ -102,6 +114,14 @@ std::string analyze(const std::string& file, int preferred) {
                     (info->GetFontName() ? *info->GetFontName() : "<none>") + " |";
   for (const auto& [language, name] : info->GetLocalizedNames())
     out += " " + hex(language) + "=" + name;
+  if (!rewritten) return out;
+  analyzer.AnalyzeData(*info);
+  const qro_common::CharMetricsInfo* table = info->GetCharMetricsInfo();
+  for (unsigned code : {0x41u, 0x7Eu, 0xAC00u}) {
+    const qro_common::CharMetrics* metrics = table ? table->GetCharMetrics(code) : nullptr;
+    const bool same = metrics && metrics->GetAdvance() == expectedFace(file).chars.at(code).advance;
+    out += same ? " same" : " other";
+  }
   return out;
 }
 
@@ -148,6 +168,7 @@ std::string call(const Case& c) {
   if (f == "cache-ptr0") return cache<int*, 0>(c[1]);
   if (f == "cache-ptr8") return cache<int*, 8>(c[1]);
   if (f == "analyze") return analyze(c[1], 0);
+  if (f == "analyze-rewritten") return analyze(c[1], 0, true);
   if (f == "analyze-preferring") return analyze(c[1], static_cast<int>(c.num(2)));
   ADD_FAILURE() << "unknown function " << f;
   return "";

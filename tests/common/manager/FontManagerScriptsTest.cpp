@@ -534,26 +534,5 @@ TEST(FontManagerScripts, AndroidFonts) {
   runLines([](const std::string& setup) { return setup == "android"; });
 }
 
-// A font rewritten in place (as a copy over it does) while the analyzer has it open: the
-// analysis goes on with the file as it was opened.
-TEST(FontManagerScripts, AFontRewrittenWhileAnalysed) {
-  TempDir dir;
-  const std::string path = dir.file("replaced.ttf");
-  ASSERT_TRUE(writeFile(path, readFile(testFontPath("basic.ttf"))));
-  qro_common::FontFileAnalyzer analyzer;
-  ASSERT_TRUE(analyzer.Open(path.c_str(), 0));
-  ASSERT_TRUE(writeFile(path, std::string(300, 'x')));
-  std::unique_ptr<qro_common::FontInfo> info(analyzer.Analyze());
-  ASSERT_NE(info, nullptr);
-  analyzer.AnalyzeData(*info);
-  analyzer.Close();
-  ASSERT_NE(info->GetCharMetricsInfo(), nullptr);
-  for (unsigned code : {0x41u, 0x7Eu, 0xAC00u}) {
-    const qro_common::CharMetrics* metrics = info->GetCharMetricsInfo()->GetCharMetrics(code);
-    ASSERT_NE(metrics, nullptr) << code;
-    EXPECT_EQ(metrics->GetAdvance(), expectedFace("basic.ttf").chars.at(code).advance) << code;
-  }
-}
-
 }  // namespace
 }  // namespace kelfont_test
