@@ -103,7 +103,8 @@ bool writeData(qro_common::FontInfoSerializer& serializer, FontInfo& info,
 }
 
 // Writes the table and the data files of `faces` (lines of tests/data/facade_faces.tsv; record i
-// is faces[i]) under `base` (a folder path ending in "/"). False when something could not be written.
+// is faces[i]) under `base` (a folder path ending in "/"). False when something could not be
+// written.
 bool writeCache(const std::string& base, const std::vector<Case>& faces) {
   qro_common::FontInfoSerializer serializer(base);
   std::vector<std::unique_ptr<FontInfo>> infos;
@@ -121,7 +122,8 @@ bool writeCache(const std::string& base, const std::vector<Case>& faces) {
   return true;
 }
 
-// Rewrites the data file of record `index` from line `index` of facade_faces.tsv with `words` added.
+// Rewrites the data file of record `index` from line `index` of facade_faces.tsv with `words`
+// added.
 bool writeDataFile(const std::string& base, int index, const std::string& words) {
   Case face = kelfont_test::cases("facade_faces.tsv").at(static_cast<size_t>(index));
   face.fields.resize(5);
@@ -130,7 +132,6 @@ bool writeDataFile(const std::string& base, int index, const std::string& words)
   qro_common::FontInfoSerializer serializer(base);
   return serializer.WriteData(*makeInfo(face, index, &dataFile));
 }
-
 
 // "status/value", the value left out when the call did not set it.
 constexpr int kUnset = -12345;
@@ -186,8 +187,9 @@ std::string call(const std::string& token, const std::string& base) {
     }
     return std::to_string(bands.size());
   }
-  if (op == "T") {  // eight threads ask at once while the loaded data is cleared: the calls that
-                    // answer otherwise than one thread did, and what is left to free once they are gone
+  // Eight threads ask at once while the loaded data is cleared: the calls that answer otherwise
+  // than one thread did, and what is left to free once they are gone.
+  if (op == "T") {
     const int fonts = gKelFontWidth->_GetFontTable()->GetFontCount();
     const auto queries = kelfont_test::everyFont({a.begin() + 1, a.end()}, -1, fonts);
     std::vector<std::string> expected;

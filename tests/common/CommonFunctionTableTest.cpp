@@ -29,13 +29,14 @@ namespace {
 
 using kelfont_test::Case;
 using kelfont_test::expectedFace;
-using kelfont_test::testFontPath;
 using kelfont_test::hex;
 using kelfont_test::orNull;
+using kelfont_test::testFontPath;
 using qro_common::LangCode;
 
 // The per-character answer cache. Keys "CODE/FONT[/STYLE]": the code in hex, the font index, b, i
-// or bi. Values as written: numbers, "empty" (the bit pattern of an empty slot), pointers a, b or 0.
+// or bi. Values as written: numbers, "empty" (the bit pattern of an empty slot), pointers a, b or
+// 0.
 qro_common::CharKey keyOf(const std::string& text) {
   const std::size_t slash = text.find('/'), style = text.find('/', slash + 1);
   const std::string styleText = style == std::string::npos ? "" : text.substr(style + 1);
@@ -91,7 +92,8 @@ std::string langTable() {
       return hex(id);
   }
   if (LangCode::GetLangCode(std::string(10000, 'k').c_str()) != 0) return "long";
-  return std::to_string(rows.size()) + " " + std::to_string(std::size(qro_common::kLangCountryRows));
+  return std::to_string(rows.size()) + " " +
+         std::to_string(std::size(qro_common::kLangCountryRows));
 }
 
 // What the analyzer makes of a generated font: pitch, vertical metrics and
