@@ -1,7 +1,9 @@
 // The facade through the public entry points only, on caches written with
 // the serializer (a face a line of tests/data/facade_faces.tsv, whose header
 // tells the fields; record i on line i): the scripts of
-// tests/data/facade_scripts.tsv.
+// tests/data/facade_scripts.tsv. The font manager's entry points, the facade
+// class's start-up steps on objects of its own and the default manager's
+// folders: the scripts of tests/data/entry_points.tsv.
 
 #include <gtest/gtest.h>
 
@@ -15,14 +17,17 @@
 
 #include "api/KelFontWidth.h"
 #include "api/kelfont.h"
+#include "base/Environment.h"
 #include "common/font_info/CharMetricsInfo.h"
 #include "common/font_info/FontInfo.h"
 #include "common/font_info/FontInfoSerializer.h"
 #include "common/font_info/KerningInfo.h"
 #include "common/registry/FontTable.h"
+#include "native/DefaultFontManager.h"
 #include "tests/common/font_info/TableBuilders.h"
 #include "tests/support/Cases.h"
 #include "tests/support/Concurrently.h"
+#include "tests/support/LogCapture.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestFonts.h"
 
@@ -150,9 +155,36 @@ void init(const std::string& base) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "InitExtracter success\n");
 }
 
-// One call of tests/data/facade_scripts.tsv and its answer.
-std::string call(const std::string& token, const std::string& base) {
-  const std::vector<std::string> a = kelfont_test::callFields(token);
+std::string directories(qro_common::FontManager* manager) {
+  if (manager == nullptr) return "none";
+  std::string out;
+  for (const std::string* path : manager->GetFontDirectoryPathList())
+    out += (out.empty() ? "" : "+") + *path;
+  return out;
+}
+
+// A line of the scripts: its folder ("$" in calls and answers), the cache it starts on, the log
+// since the last look, a facade object and a default manager of its own.
+struct Line {
+  kelfont_test::TempDir dir;
+  std::string base;
+  kelfont_test::LogCapture log;
+  std::unique_ptr<CKelFontWidth> facade;
+  std::unique_ptr<qro_ni::DefaultFontManager> own;
+  ~Line() {
+    UnInitFontManager();
+    SetSharedFontPath("");
+    SetUserFontPath("");
+  }
+  std::string call(const std::string& token);
+};
+
+// One call of tests/data/facade_scripts.tsv or entry_points.tsv and its answer.
+std::string Line::call(const std::string& token) {
+  std::vector<std::string> a = kelfont_test::callFields(token);
+  for (std::string& field : a) {
+    if (field[0] == '$') field.replace(0, 1, dir.path());
+  }
   const std::string& op = a[0];
   auto number = [&](size_t i) { return static_cast<int>(std::stol(a[i], nullptr, 0)); };
   const std::string& style = op == "c" ? a[3] : op == "e" || op == "x" || op == "K" ? a[2] : a[4];
@@ -193,8 +225,8 @@ std::string call(const std::string& token, const std::string& base) {
     const int fonts = gKelFontWidth->_GetFontTable()->GetFontCount();
     const auto queries = kelfont_test::everyFont({a.begin() + 1, a.end()}, -1, fonts);
     std::vector<std::string> expected;
-    for (const std::string& q : queries) expected.push_back(call(q, base));
-    auto same = [&](std::size_t i) { return call(queries[i], base) == expected[i]; };
+    for (const std::string& q : queries) expected.push_back(call(q));
+    auto same = [&](std::size_t i) { return call(queries[i]) == expected[i]; };
     const int wrong = kelfont_test::askedAtOnce(queries.size(), 3, same, ClearKelFontCacheInfo);
     qro_base::DeferredDeleter& retired = gKelFontWidth->_GetFontTable()->GetDeferredDeleter();
     retired.Collect();
@@ -221,7 +253,6 @@ std::string call(const std::string& token, const std::string& base) {
   }
   if (op == "n") return std::to_string(GetFontIndex(a[1].c_str()));
   if (op == "?") return std::to_string(IsKelFontInitialized());
-  if (op == "p") return kelfont_test::writeFile(base + "FInfo/Fdata/probe", "x") ? "." : "!";
   if (op == "w") return std::to_string(std::filesystem::exists("FInfo"));
   if (op == "d") return writeDataFile(base, number(1), a[2]) ? "." : "!";
   if (op == "L") {
@@ -240,14 +271,76 @@ std::string call(const std::string& token, const std::string& base) {
   if (op == "C") ClearKelFontCacheInfo();
   if (op == "U") UnInitKelFont();
   if (op == "I") init(base);
-  return std::string("LCUI").find(op) != std::string::npos ? "." : "unknown call";
+  auto path = [&](size_t i) { return a[i] == "-" ? nullptr : a[i].c_str(); };
+  qro_common::FontManager* global = qro_common::FontManager::instance;
+  if (op == "init") return std::to_string(InitFontManager(path(1), path(2)));
+  if (op == "dirs") return directories(global);
+  if (op == "storage") return global == nullptr ? "none" : global->GetStoragePath();
+  if (op == "log") return log.taken();  // priority:tag:message
+  if (op == "Wx") return std::to_string(facade->InitExtracter());
+  if (op == "Wser") return std::to_string(facade->InitFontInfoSerializer());
+  if (op == "Wtable") return std::to_string(facade->InitFontTable());
+  if (op == "Wmgr") return std::to_string(facade->InitFontManager());
+  if (op == "Wc") {
+    int advance = 0;
+    return std::to_string(facade->GetFontCharInfo(std::stoi(a[1]), 'A', false, false, advance));
+  }
+  if (op == "Wadj") return kelfont_test::number(facade->AdjustAdvanceRatio(-1, std::stof(a[1])));
+  if (op == "probe") return kelfont_test::writeFile(a[1], "x") ? "." : "!";
+  if (op == "Ddirs") return directories(own.get());
+  if (op == "Dstorage") return own->GetStoragePath().empty() ? "-" : own->GetStoragePath();
+  if (op == "env?") return std::to_string(qro_base::Global::pInstance != nullptr);
+  if (op == "Dspacing") return std::to_string(own->IsAdjustSpacingFont(own->GetFontIndex(a[1])));
+  if (op == "Dcjk") return std::to_string(own->IsCJKExceptFont(own->GetFontIndex(a[1])));
+  if (op == "Dbands") {  // every line of tests/data/spacing_bands.tsv (the count)
+    const std::vector<kelfont_test::Case> bands = kelfont_test::cases("spacing_bands.tsv");
+    for (const kelfont_test::Case& c : bands) {
+      if (own->AdjustAdvanceRatio(own->GetFontIndex(c[0]), float(c.num(1))) != float(c.num(2)))
+        return c.line;
+    }
+    return std::to_string(bands.size());
+  }
+  if (op == "shared") SetSharedFontPath(a[1].c_str());
+  if (op == "user") SetUserFontPath(a[1].c_str());
+  if (op == "uninit") UnInitFontManager();
+  if (op == "W") facade.reset(new CKelFontWidth());
+  if (op == "Wzip") facade->SetQrfontZipPath(a[1].c_str());
+  if (op == "Wext") facade->SetExtractPath(a[1].c_str());
+  if (op == "Wfont") facade->SetFontPath(a[1].c_str());
+  if (op == "Wunmgr") facade->UnInitFontManager();
+  if (op == "D1") own.reset(new qro_ni::DefaultFontManager(nullptr, a[1], a[2]));
+  if (op == "D") {
+    std::vector<std::string> list;
+    for (size_t i = 2; i < a.size() && !a[i].empty(); ++i) list.push_back(a[i]);
+    own.reset(new qro_ni::DefaultFontManager(nullptr, a[1], list));
+  }
+  if (op == "D0") own.reset(new qro_ni::DefaultFontManager(nullptr));
+  if (op == "Du") own->SetUserFontDirectoryPath(new std::string(a[1]));
+  if (op == "Dinit") own->Initialize();
+  if (op == "Dname") {  // a face named in English and Korean
+    auto* info = new qro_common::FontInfo();
+    info->SetFontName(new std::string(a[1]));
+    info->AddLocalizedName(0x0409, a[1]);
+    info->AddLocalizedName(0x0412, a[2]);
+    own->Register(info);
+  }
+  if (op == "Dsets") {
+    own->InitializeAdvanceRatioAdjustFontSet();
+    own->InitializeAdjustSpacingFontSet();
+  }
+  if (op == "noenv") {
+    delete qro_base::Global::pInstance;
+    qro_base::Global::pInstance = nullptr;
+  }
+  if (op == "env") qro_base::Global::pInstance->SetFileStoragePath(new std::string(a[1]));
+  return ".";
 }
 
 // The cache of a script: the standard one, with more faces than stay loaded, none (in a folder, at
 // no path, through a file), or its table damaged.
 std::string prepare(const kelfont_test::TempDir& dir, const std::string& kind) {
   const std::string base = dir.path() + "/", table = base + "FInfo/Ftable";
-  if (kind == "none") return base;
+  if (kind == "none" || kind == "-") return base;
   if (kind == "nopath") return "";
   if (kind == "infile") {
     EXPECT_TRUE(kelfont_test::writeFile(base + "plain", "a file"));
@@ -267,21 +360,25 @@ std::string prepare(const kelfont_test::TempDir& dir, const std::string& kind) {
   return base;
 }
 
-// The lines of tests/data/facade_scripts.tsv, each in a temporary working folder; those on the
-// crowd cache or all others.
+// The lines of tests/data/entry_points.tsv and facade_scripts.tsv, each in its folder as the working
+// folder; those on the crowd cache or all others.
 void runLines(bool crowd) {
   const std::filesystem::path working = std::filesystem::current_path();
-  for (const kelfont_test::Case& c : kelfont_test::cases("facade_scripts.tsv")) {
-    if ((c[0] == "crowd") != crowd) continue;
-    kelfont_test::TempDir dir;
-    std::filesystem::current_path(dir.path());
-    const std::string base = prepare(dir, c[0]);
-    init(base);
-    EXPECT_EQ(kelfont_test::answers(c[1], [&](const std::string& t) { return call(t, base); }),
-              c[2])
-        << c.line;
-    UnInitKelFont();
-    std::filesystem::current_path(working);
+  for (const char* file : {"entry_points.tsv", "facade_scripts.tsv"}) {
+    for (const kelfont_test::Case& c : kelfont_test::cases(file)) {
+      if ((c[0] == "crowd") != crowd) continue;
+      Line line;
+      std::filesystem::current_path(line.dir.path());
+      line.base = prepare(line.dir, c[0]);
+      if (c[0] != "-") init(line.base);
+      std::string said =
+          kelfont_test::answers(c[1], [&](const std::string& t) { return line.call(t); });
+      for (size_t at; (at = said.find(line.dir.path())) != std::string::npos;)
+        said.replace(at, line.dir.path().size(), "$");
+      EXPECT_EQ(said, c[2]) << c.line;
+      UnInitKelFont();
+      std::filesystem::current_path(working);
+    }
   }
 }
 
