@@ -360,8 +360,8 @@ std::string prepare(const kelfont_test::TempDir& dir, const std::string& kind) {
   return base;
 }
 
-// The lines of tests/data/entry_points.tsv and facade_scripts.tsv, each in its folder as the working
-// folder; those on the crowd cache or all others.
+// The lines of tests/data/entry_points.tsv and facade_scripts.tsv, each in its folder as the
+// working folder; those on the crowd cache or all others.
 void runLines(bool crowd) {
   const std::filesystem::path working = std::filesystem::current_path();
   for (const char* file : {"entry_points.tsv", "facade_scripts.tsv"}) {
