@@ -19,7 +19,7 @@ src, build_dir = sys.argv[1], sys.argv[2]
 listing = sys.argv[3] if len(sys.argv) > 3 else os.path.join(os.path.dirname(__file__), "mutants.txt")
 only = set(sys.argv[4:])
 targets = ["kelfont_base_tests", "kelfont_common_tests", "kelfont_native_tests", "kelfont_api_tests",
-           "kelfont_api_sticky_tests", "kelfont_tools_tests", "kelfont_host_program"]
+           "kelfont_tools_tests", "kelfont_host_program"]
 # The install, Java and benchmark tests only check linking, loading and running.
 exclude = "kelfont_install|JavaBindings|kelfont_bench_smoke"
 

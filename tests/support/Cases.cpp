@@ -170,3 +170,23 @@ std::string answers(const std::string& calls,
 }
 
 }  // namespace kelfont_test
+
+namespace kelfont_test {
+
+std::vector<std::string> everyFont(const std::vector<std::string>& calls, int first, int last) {
+  std::vector<std::string> out;
+  for (int font = first; font <= last; ++font) {
+    for (const char* style : {"", "i", "b", "bi"}) {
+      for (std::string call : calls) {
+        const size_t at = call.find('#'), star = call.find('*');
+        if (at == std::string::npos || (star == std::string::npos && *style)) continue;
+        if (star != std::string::npos) call.replace(star, 1, style);
+        std::replace(call.begin(), call.end(), '/', ',');
+        out.push_back(call.replace(at, 1, std::to_string(font)));
+      }
+    }
+  }
+  return out;
+}
+
+}  // namespace kelfont_test

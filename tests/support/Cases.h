@@ -55,3 +55,11 @@ std::string answers(const std::string& calls,
                     const std::function<std::string(const std::string&)>& call);
 
 }  // namespace kelfont_test
+
+namespace kelfont_test {
+
+// Each call once for every font index from `first` to `last` ("#" in it) and every style ("*"
+// after "#": none, i, b, bi), with "/" for ","; calls without "#" are left out.
+std::vector<std::string> everyFont(const std::vector<std::string>& calls, int first, int last);
+
+}  // namespace kelfont_test
