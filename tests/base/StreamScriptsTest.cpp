@@ -38,44 +38,30 @@ namespace {
 
 using namespace kelfont_test;
 
-// Delivers `data`, at most `chunk` bytes per Read(buffer, count).
-class MemoryInputStream : public qro_base::InputStream {
- public:
-  explicit MemoryInputStream(std::string data, unsigned chunk = ~0u, bool* destroyed = nullptr)
-      : data_(std::move(data)), chunk_(chunk), destroyed_(destroyed) {
-    open_ = true;
+// The library's memory stream over the bytes, at most `chunk` of them a Read(buffer, count),
+// counting those reads and the closes.
+struct CountedInputStream : qro_base::MemoryInputStream {
+  CountedInputStream(const std::string& data, unsigned chunk, bool* destroyed = nullptr)
+      : MemoryInputStream(data.data(), static_cast<unsigned>(data.size())),
+        chunk(chunk),
+        destroyed(destroyed) {}
+  ~CountedInputStream() override {
+    if (destroyed != nullptr) *destroyed = true;
   }
-  ~MemoryInputStream() override {
-    if (destroyed_ != nullptr) *destroyed_ = true;
-  }
-  int Read() override {
-    return pos_ < data_.size() ? static_cast<unsigned char>(data_[pos_++]) : -1;
-  }
+  using MemoryInputStream::Read;
   int Read(char* buffer, unsigned count) override {
     ++reads;
-    size_t n = std::min<size_t>({count, chunk_, data_.size() - pos_});
-    data_.copy(buffer, n, pos_);
-    pos_ += n;
-    return static_cast<int>(n);
+    return MemoryInputStream::Read(buffer, std::min(count, chunk));
   }
   bool Close() override {
     ++closes;
-    return true;
-  }
-  unsigned Available() override { return static_cast<unsigned>(data_.size() - pos_); }
-  bool Skip(unsigned count) override {
-    pos_ = std::min(data_.size(), pos_ + count);
-    return true;
+    return MemoryInputStream::Close();
   }
 
+  unsigned chunk;
+  bool* destroyed;
   int reads = 0;
   int closes = 0;
-
- private:
-  std::string data_;
-  size_t pos_ = 0;
-  unsigned chunk_;
-  bool* destroyed_;
 };
 
 // Records every block written; fails while `fail` is set.
@@ -173,21 +159,17 @@ with zipfile.ZipFile(sys.argv[1]) as z:
         print(i.filename, i.file_size, i.compress_type, '%08x' % i.CRC)
 )";
 
-// The MS-DOS time and date fields of a zip header for the local time now.
-std::string dosStampNow() {
-  const std::time_t now = std::time(nullptr);
-  std::tm t;
-  localtime_r(&now, &t);
-  const unsigned time = (t.tm_hour << 11) | (t.tm_min << 5) | (t.tm_sec / 2);
-  const unsigned date = ((t.tm_year - 80) << 9) | ((t.tm_mon + 1) << 5) | t.tm_mday;
-  return {static_cast<char>(time & 0xFF), static_cast<char>(time >> 8),
-          static_cast<char>(date & 0xFF), static_cast<char>(date >> 8)};
-}
-
-// The bytes with every time stamp of `stamps` as "<now>".
-std::string stamped(std::string bytes, const std::vector<std::string>& stamps) {
-  for (const std::string& stamp : stamps) {
-    for (size_t at; (at = bytes.find(stamp)) != std::string::npos;) bytes.replace(at, 4, "<now>");
+// The bytes with every MS-DOS time and date of a zip header for a local time from `since` to
+// now as "<now>".
+std::string stamped(std::string bytes, std::time_t since) {
+  for (std::time_t now = since; now <= std::time(nullptr); ++now) {
+    std::tm t;
+    localtime_r(&now, &t);
+    const unsigned time = (t.tm_hour << 11) | (t.tm_min << 5) | (t.tm_sec / 2);
+    const unsigned date = ((t.tm_year - 80) << 9) | ((t.tm_mon + 1) << 5) | t.tm_mday;
+    const char stamp[] = {char(time & 0xFF), char(time >> 8), char(date & 0xFF), char(date >> 8)};
+    for (size_t at; (at = bytes.find(stamp, 0, 4)) != std::string::npos;)
+      bytes.replace(at, 4, "<now>");
   }
   return bytes;
 }
@@ -223,8 +205,8 @@ TEST(InputStreams, Scripts) {
     const size_t comma = c[0].find(',');
     const unsigned chunk = comma == std::string::npos ? ~0u : std::stoul(c[0].substr(comma + 1));
     bool destroyed = false;
-    auto* memory = new MemoryInputStream(bytes, chunk, &destroyed);
-    std::unique_ptr<MemoryInputStream> owned(memory);
+    auto* memory = new CountedInputStream(bytes, chunk, &destroyed);
+    std::unique_ptr<CountedInputStream> owned(memory);
     LogCapture log;
     std::unique_ptr<qro_base::ZipFile> zip;
     std::unique_ptr<qro_base::InputStream> in;
@@ -341,7 +323,7 @@ TEST(InputStreams, Scripts) {
           said << (got == (op.size() == 1 ? expand(source) : readFile(archive + ".d/" + &op[1])));
           break;
         case 'j': {  // Read() into a destination of n bytes, from the zlib data again
-          MemoryInputStream again(bytes, chunk);
+          CountedInputStream again(bytes, chunk);
           said << qro_base::InflateInputStream(again, size, buffer.data(), n).Read();
           break;
         }
@@ -351,7 +333,7 @@ TEST(InputStreams, Scripts) {
           at += at < 0 ? static_cast<long>(bytes.size()) : 0;
           if (op[0] == '|') bytes.resize(static_cast<size_t>(at));
           if (op[0] == '~') bytes[static_cast<size_t>(at)] ^= 0x55;
-          owned.reset(memory = new MemoryInputStream(bytes, chunk));
+          owned.reset(memory = new CountedInputStream(bytes, chunk));
           in.reset(inflate = new qro_base::InflateInputStream(*memory, size));
           said << '.';
           break;
@@ -376,7 +358,7 @@ TEST(OutputStreams, Scripts) {
     // or for KIND@:PATH a path below the folder, which holds "plain" and "folder".
     const std::string path = kind.back() == '@' ? dir.file(arg) : dir.file("f");
     ASSERT_TRUE(c[1] == "-" || writeFile(dir.file("f"), expand(c[1])));
-    const std::string stampBefore = dosStampNow();
+    const std::time_t started = std::time(nullptr);
     MemoryOutputStream sink;
     std::unique_ptr<qro_base::FileOutputStream> file;
     std::unique_ptr<qro_base::OutputStream> out;
@@ -442,7 +424,7 @@ TEST(OutputStreams, Scripts) {
         case 'n': said << zip->GetEntries().size(); break;
         case 'L': said << escape(listing(qro_base::ZipFile(path.c_str(), false))); break;
         case 'Z': said << (runPython(kZipReport, {path}, &report) ? escape(report) : "fail"); break;
-        case 'T': said << escape(stamped(readFile(path), {stampBefore, dosStampNow()})); break;
+        case 'T': said << escape(stamped(readFile(path), started)); break;
         case '>':
           if (text.rfind("u8:", 0) == 0) said << qro_base::writeUInt8(*out, uint8_t(value));
           if (text.rfind("u16:", 0) == 0) said << qro_base::writeUInt16(*out, uint16_t(value));
