@@ -25,6 +25,7 @@
 #include "base/InflateInputStream.h"
 #include "base/MemoryInputStream.h"
 #include "base/PartialInputStream.h"
+#include "base/StringOutputStream.h"
 #include "base/ZipEntryInputStream.h"
 #include "base/ZipEntryOutputStream.h"
 #include "base/ZipFile.h"
@@ -64,21 +65,15 @@ struct CountedInputStream : qro_base::MemoryInputStream {
   int closes = 0;
 };
 
-// Records every block written; fails while `fail` is set.
-class MemoryOutputStream : public qro_base::OutputStream {
- public:
-  MemoryOutputStream() { open_ = true; }
+// The library's string sink, recording every block written; fails while `fail` is set.
+struct MemoryOutputStream : qro_base::StringOutputStream {
+  MemoryOutputStream() : StringOutputStream(data) {}
   bool Write(char c) override { return Write(&c, 1); }
   bool Write(const char* buffer, unsigned count) override {
-    if (fail) return false;
-    blocks.emplace_back(buffer, count);
-    data.append(buffer, count);
-    return true;
+    if (!fail) blocks.emplace_back(buffer, count);
+    return !fail && StringOutputStream::Write(buffer, count);
   }
-  bool Close() override {
-    ++closes;
-    return true;
-  }
+  bool Close() override { return ++closes > 0; }
 
   bool fail = false;
   int closes = 0;
