@@ -47,10 +47,9 @@ using Map = qro_base::AKHashMap<char, unsigned short>;
 qro_base::u16string u16(const std::string& text) { return kelfont_test::units(text); }
 
 std::string str(double v, int precision = 15) {
-  std::ostringstream out;
-  out.precision(precision);
-  out << v;
-  return out.str();
+  char text[64];
+  std::snprintf(text, sizeof text, "%.*g", precision, v);
+  return text;
 }
 
 std::string locale(const qro_base::Locale& l) { return l.GetLanguage() + "|" + l.GetCountry(); }

@@ -355,16 +355,14 @@ TEST(OutputStreams, Scripts) {
     ASSERT_TRUE(c[1] == "-" || writeFile(dir.file("f"), expand(c[1])));
     const std::time_t started = std::time(nullptr);
     MemoryOutputStream sink;
-    std::unique_ptr<qro_base::FileOutputStream> file;
+    std::unique_ptr<qro_base::OutputStream> file;
     std::unique_ptr<qro_base::OutputStream> out;
     if (kind == "file" || kind == "file@") {
       out.reset(arg.empty() || kind == "file@" ? new qro_base::FileOutputStream(path.c_str())
                                                : new qro_base::FileOutputStream(path, arg.c_str()));
-    } else if (kind == "buffered") {
-      out.reset(new qro_base::BufferedOutputStream(&sink, std::stoul(arg)));
-    } else if (kind == "buffered-file") {
-      file.reset(new qro_base::FileOutputStream(path.c_str()));
-      out.reset(new qro_base::BufferedOutputStream(file.get(), std::stoul(arg)));
+    } else if (kind.rfind("buffered", 0) == 0) {
+      if (kind == "buffered-file") file.reset(new qro_base::FileOutputStream(path.c_str()));
+      out.reset(new qro_base::BufferedOutputStream(file ? file.get() : &sink, std::stoul(arg)));
     } else if (kind == "memory") {
       out.reset(new MemoryOutputStream());
     } else if (kind.rfind("atomic", 0) == 0) {
