@@ -220,16 +220,15 @@ TEST(ShapedRun, ThreadsAndTheEntryPointAnswerAsOne) {
   EXPECT_EQ(total, expected.front().totalEm);
   EXPECT_EQ(advances, expected.front().advances);
   EXPECT_EQ(fonts, expected.front().fonts);
-  auto bare = [&](int font, const unsigned short* units, int length) {  // no arrays
-    return MeasureTextRun(font, false, false, units, length, total, nullptr, nullptr, nullptr);
-  };
-  EXPECT_EQ(bare(font, units, 0), 0);
+  EXPECT_EQ(MeasureTextRun(font, false, false, units, 0, total, nullptr, nullptr, nullptr), 0);
   EXPECT_EQ(total, 0.0f);
-  EXPECT_EQ(bare(font, units, -1), -1);
-  EXPECT_EQ(bare(font, nullptr, 1), -1);
-  EXPECT_EQ(bare(100000, units, length), -1);
+  EXPECT_EQ(MeasureTextRun(font, false, false, units, -1, total, nullptr, nullptr, nullptr), -1);
+  EXPECT_EQ(MeasureTextRun(font, false, false, nullptr, 1, total, nullptr, nullptr, nullptr), -1);
+  EXPECT_EQ(MeasureTextRun(100000, false, false, units, length, total, nullptr, nullptr, nullptr),
+            -1);
   qro_common::FontManager::instance = nullptr;
-  EXPECT_EQ(bare(font, units, length), -1);
+  EXPECT_EQ(MeasureTextRun(font, false, false, units, length, total, nullptr, nullptr, nullptr),
+            -1);
   qro_common::FontManager::instance = previous;
 }
 
