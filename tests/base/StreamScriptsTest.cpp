@@ -103,7 +103,8 @@ std::string deflated(const std::string& bytes, int level) {
 
 // The archives of the zip scripts, written by Python's zipfile module (an independent writer):
 // python.zip, which Python then extracts into python.zip.d/ and lists ("NAME SIZE" lines) on
-// its standard output, with an entry of damaged deflate data; long.zip with long names, and
+// its standard output, with an entry of damaged deflate data; half.zip (its first half), empty.zip,
+// the folder folder.zip and the fifo fifo.zip; long.zip with long names, and
 // longN.zip whose second directory header starts at byte N with a name of 65001 bytes.
 const char kArchives[] = R"(
 import os, sys, zipfile
@@ -129,6 +130,11 @@ start = info.header_offset + 30 + len(info.filename) + len(info.extra)
 data[start:start + info.compress_size] = b'\xff' * info.compress_size
 open(path, 'wb').write(data)
 folder = os.path.dirname(path)
+open(folder + '/half.zip', 'wb').write(data[:len(data) // 2])
+open(folder + '/empty.zip', 'wb').close()
+os.mkdir(folder + '/folder.zip')
+# A fifo would block a plain open.
+os.mkfifo(folder + '/fifo.zip')
 with zipfile.ZipFile(folder + '/long.zip', 'w') as z:
     z.writestr('Fdata/' + 'n' * 294, b'long name', compress_type=zipfile.ZIP_DEFLATED)
     z.writestr('d' * 255, b'255', compress_type=zipfile.ZIP_STORED)
@@ -181,12 +187,6 @@ TEST(InputStreams, Scripts) {
   std::string manifest;
   const std::string archive = dir.file("python.zip");
   ASSERT_TRUE(runPython(kArchives, {archive}, &manifest));
-  ASSERT_TRUE(writeFile(dir.file("plain"), "x"));
-  const std::string bytes = readFile(archive);
-  ASSERT_TRUE(writeFile(dir.file("half.zip"), bytes.substr(0, bytes.size() / 2)));
-  ASSERT_TRUE(writeFile(dir.file("empty.zip"), ""));
-  ASSERT_EQ(mkdir(dir.file("folder.zip").c_str(), 0700), 0);
-  ASSERT_EQ(mkfifo(dir.file("fifo.zip").c_str(), 0600), 0);  // would block a plain open
   for (const Case& c : cases("input_streams.tsv")) {
     SCOPED_TRACE(c.line);
     std::string kind = c[0].substr(0, c[0].find(':'));
@@ -213,9 +213,9 @@ TEST(InputStreams, Scripts) {
     } else if (kind == "memory-null") {
       in.reset(new qro_base::MemoryInputStream(nullptr, size));
     } else if (kind == "file") {
-      // 0: the source, 1: missing, 2: a folder, 3: below a plain file, 4: no path
+      // 0: the source, 1: missing, 2: a folder, 3: below a plain file (the archive), 4: no path
       const std::string paths[] = {dir.file("f"), dir.file("missing"), dir.path(),
-                                   dir.file("plain/below")};
+                                   dir.file("python.zip/below")};
       in.reset(size == 4 ? new qro_base::FileInputStream(static_cast<const char*>(nullptr))
                          : new qro_base::FileInputStream(paths[size]));
     } else if (kind == "buffered" || kind == "buffered-file") {
