@@ -19,7 +19,7 @@ namespace {
 using qro_base::DeferredDeleter;
 
 struct Counted {
-  static std::atomic<int> alive;
+  static inline std::atomic<int> alive{0};
   explicit Counted(int v) : value(v) { ++alive; }
   ~Counted() {
     value = -1;
@@ -27,7 +27,6 @@ struct Counted {
   }
   int value;
 };
-std::atomic<int> Counted::alive{0};
 
 // Scripts of calls on one deleter (tests/data/deferred_deletions.tsv), one
 // character a call: r retires an object, 0 retires nothing, c collects,

@@ -25,6 +25,7 @@
 #include "base/InflateInputStream.h"
 #include "base/MemoryInputStream.h"
 #include "base/PartialInputStream.h"
+#include "base/StringOutputStream.h"
 #include "base/ZipEntryInputStream.h"
 #include "base/ZipEntryOutputStream.h"
 #include "base/ZipFile.h"
@@ -38,61 +39,41 @@ namespace {
 
 using namespace kelfont_test;
 
-// Delivers `data`, at most `chunk` bytes per Read(buffer, count).
-class MemoryInputStream : public qro_base::InputStream {
- public:
-  explicit MemoryInputStream(std::string data, unsigned chunk = ~0u, bool* destroyed = nullptr)
-      : data_(std::move(data)), chunk_(chunk), destroyed_(destroyed) {
-    open_ = true;
+// The library's memory stream over the bytes, at most `chunk` of them a Read(buffer, count),
+// counting those reads and the closes.
+struct CountedInputStream : qro_base::MemoryInputStream {
+  CountedInputStream(const std::string& data, unsigned chunk, bool* destroyed = nullptr)
+      : MemoryInputStream(data.data(), static_cast<unsigned>(data.size())),
+        chunk(chunk),
+        destroyed(destroyed) {}
+  ~CountedInputStream() override {
+    if (destroyed != nullptr) *destroyed = true;
   }
-  ~MemoryInputStream() override {
-    if (destroyed_ != nullptr) *destroyed_ = true;
-  }
-  int Read() override {
-    return pos_ < data_.size() ? static_cast<unsigned char>(data_[pos_++]) : -1;
-  }
+  using MemoryInputStream::Read;
   int Read(char* buffer, unsigned count) override {
     ++reads;
-    size_t n = std::min<size_t>({count, chunk_, data_.size() - pos_});
-    data_.copy(buffer, n, pos_);
-    pos_ += n;
-    return static_cast<int>(n);
+    return MemoryInputStream::Read(buffer, std::min(count, chunk));
   }
   bool Close() override {
     ++closes;
-    return true;
-  }
-  unsigned Available() override { return static_cast<unsigned>(data_.size() - pos_); }
-  bool Skip(unsigned count) override {
-    pos_ = std::min(data_.size(), pos_ + count);
-    return true;
+    return MemoryInputStream::Close();
   }
 
+  unsigned chunk;
+  bool* destroyed;
   int reads = 0;
   int closes = 0;
-
- private:
-  std::string data_;
-  size_t pos_ = 0;
-  unsigned chunk_;
-  bool* destroyed_;
 };
 
-// Records every block written; fails while `fail` is set.
-class MemoryOutputStream : public qro_base::OutputStream {
- public:
-  MemoryOutputStream() { open_ = true; }
+// The library's string sink, recording every block written; fails while `fail` is set.
+struct MemoryOutputStream : qro_base::StringOutputStream {
+  MemoryOutputStream() : StringOutputStream(data) {}
   bool Write(char c) override { return Write(&c, 1); }
   bool Write(const char* buffer, unsigned count) override {
-    if (fail) return false;
-    blocks.emplace_back(buffer, count);
-    data.append(buffer, count);
-    return true;
+    if (!fail) blocks.emplace_back(buffer, count);
+    return !fail && StringOutputStream::Write(buffer, count);
   }
-  bool Close() override {
-    ++closes;
-    return true;
-  }
+  bool Close() override { return ++closes > 0; }
 
   bool fail = false;
   int closes = 0;
@@ -122,7 +103,8 @@ std::string deflated(const std::string& bytes, int level) {
 
 // The archives of the zip scripts, written by Python's zipfile module (an independent writer):
 // python.zip, which Python then extracts into python.zip.d/ and lists ("NAME SIZE" lines) on
-// its standard output, with an entry of damaged deflate data; long.zip with long names, and
+// its standard output, with an entry of damaged deflate data; half.zip (its first half), empty.zip,
+// the folder folder.zip and the fifo fifo.zip; long.zip with long names, and
 // longN.zip whose second directory header starts at byte N with a name of 65001 bytes.
 const char kArchives[] = R"(
 import os, sys, zipfile
@@ -148,6 +130,11 @@ start = info.header_offset + 30 + len(info.filename) + len(info.extra)
 data[start:start + info.compress_size] = b'\xff' * info.compress_size
 open(path, 'wb').write(data)
 folder = os.path.dirname(path)
+open(folder + '/half.zip', 'wb').write(data[:len(data) // 2])
+open(folder + '/empty.zip', 'wb').close()
+os.mkdir(folder + '/folder.zip')
+# A fifo would block a plain open.
+os.mkfifo(folder + '/fifo.zip')
 with zipfile.ZipFile(folder + '/long.zip', 'w') as z:
     z.writestr('Fdata/' + 'n' * 294, b'long name', compress_type=zipfile.ZIP_DEFLATED)
     z.writestr('d' * 255, b'255', compress_type=zipfile.ZIP_STORED)
@@ -173,21 +160,17 @@ with zipfile.ZipFile(sys.argv[1]) as z:
         print(i.filename, i.file_size, i.compress_type, '%08x' % i.CRC)
 )";
 
-// The MS-DOS time and date fields of a zip header for the local time now.
-std::string dosStampNow() {
-  const std::time_t now = std::time(nullptr);
-  std::tm t;
-  localtime_r(&now, &t);
-  const unsigned time = (t.tm_hour << 11) | (t.tm_min << 5) | (t.tm_sec / 2);
-  const unsigned date = ((t.tm_year - 80) << 9) | ((t.tm_mon + 1) << 5) | t.tm_mday;
-  return {static_cast<char>(time & 0xFF), static_cast<char>(time >> 8),
-          static_cast<char>(date & 0xFF), static_cast<char>(date >> 8)};
-}
-
-// The bytes with every time stamp of `stamps` as "<now>".
-std::string stamped(std::string bytes, const std::vector<std::string>& stamps) {
-  for (const std::string& stamp : stamps) {
-    for (size_t at; (at = bytes.find(stamp)) != std::string::npos;) bytes.replace(at, 4, "<now>");
+// The bytes with every MS-DOS time and date of a zip header for a local time from `since` to
+// now as "<now>".
+std::string stamped(std::string bytes, std::time_t since) {
+  for (std::time_t now = since; now <= std::time(nullptr); ++now) {
+    std::tm t;
+    localtime_r(&now, &t);
+    const unsigned time = (t.tm_hour << 11) | (t.tm_min << 5) | (t.tm_sec / 2);
+    const unsigned date = ((t.tm_year - 80) << 9) | ((t.tm_mon + 1) << 5) | t.tm_mday;
+    const char stamp[] = {char(time & 0xFF), char(time >> 8), char(date & 0xFF), char(date >> 8)};
+    for (size_t at; (at = bytes.find(stamp, 0, 4)) != std::string::npos;)
+      bytes.replace(at, 4, "<now>");
   }
   return bytes;
 }
@@ -204,12 +187,6 @@ TEST(InputStreams, Scripts) {
   std::string manifest;
   const std::string archive = dir.file("python.zip");
   ASSERT_TRUE(runPython(kArchives, {archive}, &manifest));
-  ASSERT_TRUE(writeFile(dir.file("plain"), "x"));
-  const std::string bytes = readFile(archive);
-  ASSERT_TRUE(writeFile(dir.file("half.zip"), bytes.substr(0, bytes.size() / 2)));
-  ASSERT_TRUE(writeFile(dir.file("empty.zip"), ""));
-  ASSERT_EQ(mkdir(dir.file("folder.zip").c_str(), 0700), 0);
-  ASSERT_EQ(mkfifo(dir.file("fifo.zip").c_str(), 0600), 0);  // would block a plain open
   for (const Case& c : cases("input_streams.tsv")) {
     SCOPED_TRACE(c.line);
     std::string kind = c[0].substr(0, c[0].find(':'));
@@ -223,8 +200,8 @@ TEST(InputStreams, Scripts) {
     const size_t comma = c[0].find(',');
     const unsigned chunk = comma == std::string::npos ? ~0u : std::stoul(c[0].substr(comma + 1));
     bool destroyed = false;
-    auto* memory = new MemoryInputStream(bytes, chunk, &destroyed);
-    std::unique_ptr<MemoryInputStream> owned(memory);
+    auto* memory = new CountedInputStream(bytes, chunk, &destroyed);
+    std::unique_ptr<CountedInputStream> owned(memory);
     LogCapture log;
     std::unique_ptr<qro_base::ZipFile> zip;
     std::unique_ptr<qro_base::InputStream> in;
@@ -236,9 +213,9 @@ TEST(InputStreams, Scripts) {
     } else if (kind == "memory-null") {
       in.reset(new qro_base::MemoryInputStream(nullptr, size));
     } else if (kind == "file") {
-      // 0: the source, 1: missing, 2: a folder, 3: below a plain file, 4: no path
+      // 0: the source, 1: missing, 2: a folder, 3: below a plain file (the archive), 4: no path
       const std::string paths[] = {dir.file("f"), dir.file("missing"), dir.path(),
-                                   dir.file("plain/below")};
+                                   dir.file("python.zip/below")};
       in.reset(size == 4 ? new qro_base::FileInputStream(static_cast<const char*>(nullptr))
                          : new qro_base::FileInputStream(paths[size]));
     } else if (kind == "buffered" || kind == "buffered-file") {
@@ -341,7 +318,7 @@ TEST(InputStreams, Scripts) {
           said << (got == (op.size() == 1 ? expand(source) : readFile(archive + ".d/" + &op[1])));
           break;
         case 'j': {  // Read() into a destination of n bytes, from the zlib data again
-          MemoryInputStream again(bytes, chunk);
+          CountedInputStream again(bytes, chunk);
           said << qro_base::InflateInputStream(again, size, buffer.data(), n).Read();
           break;
         }
@@ -351,7 +328,7 @@ TEST(InputStreams, Scripts) {
           at += at < 0 ? static_cast<long>(bytes.size()) : 0;
           if (op[0] == '|') bytes.resize(static_cast<size_t>(at));
           if (op[0] == '~') bytes[static_cast<size_t>(at)] ^= 0x55;
-          owned.reset(memory = new MemoryInputStream(bytes, chunk));
+          owned.reset(memory = new CountedInputStream(bytes, chunk));
           in.reset(inflate = new qro_base::InflateInputStream(*memory, size));
           said << '.';
           break;
@@ -376,18 +353,16 @@ TEST(OutputStreams, Scripts) {
     // or for KIND@:PATH a path below the folder, which holds "plain" and "folder".
     const std::string path = kind.back() == '@' ? dir.file(arg) : dir.file("f");
     ASSERT_TRUE(c[1] == "-" || writeFile(dir.file("f"), expand(c[1])));
-    const std::string stampBefore = dosStampNow();
+    const std::time_t started = std::time(nullptr);
     MemoryOutputStream sink;
-    std::unique_ptr<qro_base::FileOutputStream> file;
+    std::unique_ptr<qro_base::OutputStream> file;
     std::unique_ptr<qro_base::OutputStream> out;
     if (kind == "file" || kind == "file@") {
       out.reset(arg.empty() || kind == "file@" ? new qro_base::FileOutputStream(path.c_str())
                                                : new qro_base::FileOutputStream(path, arg.c_str()));
-    } else if (kind == "buffered") {
-      out.reset(new qro_base::BufferedOutputStream(&sink, std::stoul(arg)));
-    } else if (kind == "buffered-file") {
-      file.reset(new qro_base::FileOutputStream(path.c_str()));
-      out.reset(new qro_base::BufferedOutputStream(file.get(), std::stoul(arg)));
+    } else if (kind.rfind("buffered", 0) == 0) {
+      if (kind == "buffered-file") file.reset(new qro_base::FileOutputStream(path.c_str()));
+      out.reset(new qro_base::BufferedOutputStream(file ? file.get() : &sink, std::stoul(arg)));
     } else if (kind == "memory") {
       out.reset(new MemoryOutputStream());
     } else if (kind.rfind("atomic", 0) == 0) {
@@ -442,7 +417,7 @@ TEST(OutputStreams, Scripts) {
         case 'n': said << zip->GetEntries().size(); break;
         case 'L': said << escape(listing(qro_base::ZipFile(path.c_str(), false))); break;
         case 'Z': said << (runPython(kZipReport, {path}, &report) ? escape(report) : "fail"); break;
-        case 'T': said << escape(stamped(readFile(path), {stampBefore, dosStampNow()})); break;
+        case 'T': said << escape(stamped(readFile(path), started)); break;
         case '>':
           if (text.rfind("u8:", 0) == 0) said << qro_base::writeUInt8(*out, uint8_t(value));
           if (text.rfind("u16:", 0) == 0) said << qro_base::writeUInt16(*out, uint16_t(value));

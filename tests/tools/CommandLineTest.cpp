@@ -31,9 +31,8 @@ TEST(CommandLine, ArgumentsGiveTheirMessageAndExitCode) {
   // Placeholders in tests/data/tool_arguments.tsv: the folders of this test, which holds
   // broken/ and basic/.
   auto fill = [&](std::string text) {
-    const std::pair<std::string, std::string> places[] = {
-        {"$FONTS", fonts}, {"$LISTS", lists}, {"$DIR", dir.path()}};
-    for (const auto& [name, value] : places) {
+    for (const std::string name : {"$FONTS", "$LISTS", "$DIR"}) {
+      const std::string& value = name == "$FONTS" ? fonts : name == "$LISTS" ? lists : dir.path();
       for (size_t at; (at = text.find(name)) != std::string::npos;)
         text.replace(at, name.size(), value);
     }
