@@ -41,7 +41,7 @@ TEST(DeferredDeleter, Scripts) {
       std::vector<std::unique_ptr<DeferredDeleter::ReadSection>> sections;
       for (char op : c[0]) {
         if (op == 'r') deleter.Retire(new Counted(1));
-        if (op == '0') deleter.Retire<Counted>(nullptr);
+        if (op == '0') deleter.Retire(nullptr, [](void* p) { delete static_cast<Counted*>(p); });
         if (op == 'c') deleter.Collect();
         if (op == '[') sections.push_back(std::make_unique<DeferredDeleter::ReadSection>(deleter));
         if (op == ']') sections.pop_back();
