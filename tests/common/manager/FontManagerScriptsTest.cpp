@@ -76,7 +76,7 @@ class TestFontManager : public qro_common::FontManager {
 // fonts "Pkg00".."Pkg39" (basic.ttf's record, no file; font n has basic.ttf's
 // characters n units wider and its kerning deltas n units smaller); chains
 // "Liberation Serif" and "굴림" -> NanumGothic; default fonts DejaVu Sans,
-// DejaVu Sans, NanumGothic, DejaVu Sans, DejaVu Sans; script defaults
+// DejaVu Sans, NanumGothic, DejaVu Sans, NanumGothic; script defaults
 // 56 -> NanumGothic ("sf") and 56 -> Liberation Serif ("sf_ko-KR").
 struct Scenario {
   TempDir root;
@@ -123,7 +123,7 @@ void buildPackage(const std::string& directory) {
   }
   if (!package.addFontTable(infos)) throw std::runtime_error("package table not written");
   package.add("fc", "Liberation Serif\nNanumGothic\n\n굴림\nNanumGothic\n\n");
-  package.add("df", "DejaVu Sans\n\nDejaVu Sans\n\nNanumGothic\n\nDejaVu Sans\n\nDejaVu Sans\n");
+  package.add("df", "DejaVu Sans\n\nDejaVu Sans\n\nNanumGothic\n\nDejaVu Sans\n\nNanumGothic\n");
   package.add("sf", "56\nNanumGothic\n");
   package.add("sf_ko-KR", "56\nLiberation Serif\n");
   if (!package.write(directory)) throw std::runtime_error("package not written");
